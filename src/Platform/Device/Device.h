@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Platform/Device/Clock.h"
+#include "Platform/Device/MountTable.h"
+
+namespace quaverly {
+
+/// All that a host or a test may choose about the device. Nothing else under Platform/ reads the environment.
+///
+/// Filled once, before the bundle runs, and then only read, on any thread; the mounts may change at any time.
+struct Device {
+  MountTable mounts;
+
+  /// Never null once the device runs.
+  std::shared_ptr<Clock> clock;
+
+  /// The locale as an ICU identifier, for example "de_DE".
+  std::string localeIdentifier = "en_US";
+  /// The time zone as a name of the system's zone database, for example "Europe/Berlin".
+  std::string timeZoneName = "UTC";
+  /// Language identifiers as the names of string table folders, the most wanted first.
+  std::vector<std::string> preferredLanguages = {"en"};
+  std::string systemVersion = "8.4";
+
+  /// Classes and framework paths that this device lacks.
+  std::set<std::string, std::less<>> absentClasses;
+  std::set<std::string, std::less<>> absentFrameworks;
+
+  /// The device that the platform runs on.
+  static Device& current();
+};
+
+}  // namespace quaverly
