@@ -16,7 +16,9 @@ size_t NSStringLength(std::string_view text);
 /// bits.
 int32_t NSStringIntValue(std::string_view text);
 
-/// The longest decimal prefix read straight to single precision, whatever the locale; 0 when there is none.
+/// The longest decimal prefix ("8.4" of "8.4.1") behind white space and a sign, read straight to single
+/// precision, whatever the locale; 0 when there is none. Exponents do not count; what is too large is
+/// infinite.
 float NSStringFloatValue(std::string_view text);
 
 bool NSStringIsUTF8(std::string_view bytes);
@@ -24,8 +26,9 @@ bool NSStringIsUTF8(std::string_view bytes);
 std::string NSStringWithReplacements(std::string_view bytes);
 
 // Paths. Bytes, never damaged.
+/// The two with one "/" between them, whatever slashes they end and begin with; the other when one is empty.
 std::string NSStringByAppendingPathComponent(std::string_view path, std::string_view component);
-/// "/a/b" gives "/a", "/a" and "/" give "/", "a" gives "".
+/// "/a/b" and "/a/b/" give "/a", "/a" and "/" give "/", "a" gives "".
 std::string NSStringByDeletingLastPathComponent(std::string_view path);
 /// "/a/b" and "/a/b/" give "b", "/" gives "/".
 std::string NSStringLastPathComponent(std::string_view path);

@@ -18,7 +18,7 @@ class NSURL {
 
   /// The part before the first ":", when that reads as a scheme; lower case.
   std::optional<std::string> scheme() const;
-  /// The host without user, password and port.
+  /// The host without user, password and port; an IPv6 address without its brackets.
   std::optional<std::string> host() const;
   /// The path, percent-decoded, without query, fragment or `;parameter` cut off: a trailing slash and a
   /// parameter make another path. Nothing when an escape in it is broken.
