@@ -54,11 +54,13 @@ class NSData {
   [[nodiscard]] bool writeToFileAtomically(std::string_view devicePath) const;
 
  private:
+  class FileContents;
+  explicit NSData(Slice slice);
+
   uint64_t _length = 0;
-  std::shared_ptr<const void> _owner;
+  std::shared_ptr<const FileContents> _fileContents;  // when a file backs the bytes, else
+  std::shared_ptr<const void> _owner;                 // of
   const std::byte* _bytes = nullptr;
-  std::shared_ptr<const File> _file;
-  uint64_t _offset = 0;
 };
 
 }  // namespace quaverly

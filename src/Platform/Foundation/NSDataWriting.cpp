@@ -1,0 +1,73 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+
+#include "Platform/Device/Device.h"
+#include "Platform/Foundation/NSData.h"
+
+namespace quaverly {
+namespace {
+
+/// A file beside the one it is to replace; gone again unless it took its place.
+class Replacement {
+ public:
+  explicit Replacement(const std::string& target) : _target(target) {
+    const auto prefix =
+        target.substr(0, target.rfind('/') + 1) + ".replacement-" + std::to_string(::getpid());
+    do {
+      _path = prefix + '-' + std::to_string(++count);
+      _descriptor = ::open(_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    } while (_descriptor < 0 && errno == EEXIST);
+  }
+  ~Replacement() {
+    if (_descriptor < 0) return;
+    ::close(_descriptor);
+    if (!_renamed) ::unlink(_path.c_str());
+  }
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+
+  bool isOpen() const { return _descriptor >= 0; }
+
+  bool write(std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+      const ssize_t count = ::write(_descriptor, bytes.data(), bytes.size());
+      if (count < 0 && errno == EINTR) continue;
+      if (count <= 0) return false;
+      bytes = bytes.subspan(static_cast<size_t>(count));
+    }
+    return true;
+  }
+
+  bool takeThePlace() {
+    struct stat replaced;
+    if (::stat(_target.c_str(), &replaced) == 0) ::fchmod(_descriptor, replaced.st_mode & 07777);
+    _renamed = ::rename(_path.c_str(), _target.c_str()) == 0;
+    return _renamed;
+  }
+
+ private:
+  static inline std::atomic<unsigned> count = 0;
+
+  std::string _target;
+  std::string _path;
+  int _descriptor;
+  bool _renamed = false;
+};
+
+}  // namespace
+
+bool NSData::writeToFileAtomically(std::string_view devicePath) const {
+  const auto location = Device::current().mounts.resolve(devicePath);
+  if (!location || location->access != MountTable::Access::readWrite) return false;
+  const auto contents = bytes();
+  if (contents.size() != _length) return false;
+  Replacement replacement(location->hostPath);
+  return replacement.isOpen() && replacement.write(contents) && replacement.takeThePlace();
+}
+
+}  // namespace quaverly
