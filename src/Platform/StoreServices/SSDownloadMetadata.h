@@ -3,6 +3,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
 #include <vector>
 
 #include "Platform/Device/Clock.h"
@@ -11,98 +14,91 @@
 
 namespace quaverly {
 
-/// What a download describes itself as: the platform-neutral record of a purchase. A value is absent until it
-/// is set, and the last setter wins.
+/// What a download says of itself: the platform-neutral record of a purchase. A property is absent until it is set;
+/// when it is set again, the last value counts.
 class SSDownloadMetadata : public NSObject {
  public:
-  /// A property of the metadata, with its getter and setter below.
-  template <class Value>
-  using Property = std::optional<Value>;
+  /// The empty alternative is a property that was set to nothing.
+  using Value = std::variant<std::monostate, bool, int32_t, std::string, NSURL, Clock::Date>;
+  using Text = std::optional<std::string>;
+  using Number = std::optional<int32_t>;
+  using Flag = std::optional<bool>;
+  using Link = std::optional<NSURL>;
+  using Date = std::optional<Clock::Date>;
 
   SSDownloadMetadata* initWithKind(std::string kind);
-  const Property<std::string>& kind() const { return _kind; }
 
-  const Property<Clock::Date>& purchaseDate() const { return _purchaseDate; }
-  void setPurchaseDate(Property<Clock::Date> value) { _purchaseDate = value; }
-  const Property<NSURL>& primaryAssetURL() const { return _primaryAssetURL; }
-  void setPrimaryAssetURL(Property<NSURL> value) { _primaryAssetURL = std::move(value); }
-  const Property<std::string>& shortDescription() const { return _shortDescription; }
-  void setShortDescription(Property<std::string> value) { _shortDescription = std::move(value); }
-  const Property<std::string>& longDescription() const { return _longDescription; }
-  void setLongDescription(Property<std::string> value) { _longDescription = std::move(value); }
-  const Property<std::string>& title() const { return _title; }
-  void setTitle(Property<std::string> value) { _title = std::move(value); }
-  const Property<std::string>& sortTitle() const { return _sortTitle; }
-  void setSortTitle(Property<std::string> value) { _sortTitle = std::move(value); }
-  const Property<std::string>& artistName() const { return _artistName; }
-  void setArtistName(Property<std::string> value) { _artistName = std::move(value); }
-  const Property<std::string>& sortArtistName() const { return _sortArtistName; }
-  void setSortArtistName(Property<std::string> value) { _sortArtistName = std::move(value); }
-  const Property<std::string>& collectionName() const { return _collectionName; }
-  void setCollectionName(Property<std::string> value) { _collectionName = std::move(value); }
-  const Property<std::string>& sortCollectionName() const { return _sortCollectionName; }
-  void setSortCollectionName(Property<std::string> value) { _sortCollectionName = std::move(value); }
-  const Property<int32_t>& indexInCollection() const { return _indexInCollection; }
-  void setIndexInCollection(Property<int32_t> value) { _indexInCollection = value; }
-  const Property<std::string>& genre() const { return _genre; }
-  void setGenre(Property<std::string> value) { _genre = std::move(value); }
-  const Property<int32_t>& releaseYear() const { return _releaseYear; }
-  void setReleaseYear(Property<int32_t> value) { _releaseYear = value; }
-  const Property<NSURL>& thumbnailImageURL() const { return _thumbnailImageURL; }
-  void setThumbnailImageURL(Property<NSURL> value) { _thumbnailImageURL = std::move(value); }
-  const Property<NSURL>& fullSizeImageURL() const { return _fullSizeImageURL; }
-  void setFullSizeImageURL(Property<NSURL> value) { _fullSizeImageURL = std::move(value); }
-  const Property<std::string>& fileExtension() const { return _fileExtension; }
-  void setFileExtension(Property<std::string> value) { _fileExtension = std::move(value); }
-  const Property<bool>& artworkIsPrerendered() const { return _artworkIsPrerendered; }
-  void setArtworkIsPrerendered(Property<bool> value) { _artworkIsPrerendered = value; }
-  const Property<bool>& automaticDownload() const { return _automaticDownload; }
-  void setAutomaticDownload(Property<bool> value) { _automaticDownload = value; }
-  const Property<bool>& redownloadDownload() const { return _redownloadDownload; }
-  void setRedownloadDownload(Property<bool> value) { _redownloadDownload = value; }
-  const Property<bool>& compilation() const { return _compilation; }
-  void setCompilation(Property<bool> value) { _compilation = value; }
-  const Property<bool>& rental() const { return _rental; }
-  void setRental(Property<bool> value) { _rental = value; }
-  const Property<bool>& sample() const { return _sample; }
-  void setSample(Property<bool> value) { _sample = value; }
-  const Property<std::string>& bundleIdentifier() const { return _bundleIdentifier; }
-  void setBundleIdentifier(Property<std::string> value) { _bundleIdentifier = std::move(value); }
-  const Property<std::string>& transactionIdentifier() const { return _transactionIdentifier; }
-  void setTransactionIdentifier(Property<std::string> value) { _transactionIdentifier = std::move(value); }
-  const Property<NSURL>& cancelDownloadURL() const { return _cancelDownloadURL; }
-  void setCancelDownloadURL(Property<NSURL> value) { _cancelDownloadURL = std::move(value); }
-  const Property<int32_t>& itemIdentifier() const { return _itemIdentifier; }
-  void setItemIdentifier(Property<int32_t> value) { _itemIdentifier = value; }
+  /// Every property that was set, by name, in the order in which they were set.
+  const std::vector<std::pair<std::string_view, Value>>& assignments() const { return _assignments; }
+
+  Text kind() const { return get<std::string>("kind"); }
+  Date purchaseDate() const { return get<Clock::Date>("purchaseDate"); }
+  Link primaryAssetURL() const { return get<NSURL>("primaryAssetURL"); }
+  Text shortDescription() const { return get<std::string>("shortDescription"); }
+  Text longDescription() const { return get<std::string>("longDescription"); }
+  Text title() const { return get<std::string>("title"); }
+  Text sortTitle() const { return get<std::string>("sortTitle"); }
+  Text artistName() const { return get<std::string>("artistName"); }
+  Text sortArtistName() const { return get<std::string>("sortArtistName"); }
+  Text collectionName() const { return get<std::string>("collectionName"); }
+  Text sortCollectionName() const { return get<std::string>("sortCollectionName"); }
+  Number indexInCollection() const { return get<int32_t>("indexInCollection"); }
+  Text genre() const { return get<std::string>("genre"); }
+  Number releaseYear() const { return get<int32_t>("releaseYear"); }
+  Link thumbnailImageURL() const { return get<NSURL>("thumbnailImageURL"); }
+  Link fullSizeImageURL() const { return get<NSURL>("fullSizeImageURL"); }
+  Text fileExtension() const { return get<std::string>("fileExtension"); }
+  Flag artworkIsPrerendered() const { return get<bool>("artworkIsPrerendered"); }
+  Flag automaticDownload() const { return get<bool>("automaticDownload"); }
+  Flag redownloadDownload() const { return get<bool>("redownloadDownload"); }
+  Flag compilation() const { return get<bool>("compilation"); }
+  Flag rental() const { return get<bool>("rental"); }
+  Flag sample() const { return get<bool>("sample"); }
+  Text bundleIdentifier() const { return get<std::string>("bundleIdentifier"); }
+  Text transactionIdentifier() const { return get<std::string>("transactionIdentifier"); }
+  Link cancelDownloadURL() const { return get<NSURL>("cancelDownloadURL"); }
+  Number itemIdentifier() const { return get<int32_t>("itemIdentifier"); }
+
+  void setPurchaseDate(Date date) { set("purchaseDate", date); }
+  void setPrimaryAssetURL(Link url) { set("primaryAssetURL", std::move(url)); }
+  void setShortDescription(Text text) { set("shortDescription", std::move(text)); }
+  void setLongDescription(Text text) { set("longDescription", std::move(text)); }
+  void setTitle(Text text) { set("title", std::move(text)); }
+  void setSortTitle(Text text) { set("sortTitle", std::move(text)); }
+  void setArtistName(Text text) { set("artistName", std::move(text)); }
+  void setSortArtistName(Text text) { set("sortArtistName", std::move(text)); }
+  void setCollectionName(Text text) { set("collectionName", std::move(text)); }
+  void setSortCollectionName(Text text) { set("sortCollectionName", std::move(text)); }
+  void setIndexInCollection(Number number) { set("indexInCollection", number); }
+  void setGenre(Text text) { set("genre", std::move(text)); }
+  void setReleaseYear(Number number) { set("releaseYear", number); }
+  void setThumbnailImageURL(Link url) { set("thumbnailImageURL", std::move(url)); }
+  void setFullSizeImageURL(Link url) { set("fullSizeImageURL", std::move(url)); }
+  void setFileExtension(Text text) { set("fileExtension", std::move(text)); }
+  void setArtworkIsPrerendered(Flag flag) { set("artworkIsPrerendered", flag); }
+  void setAutomaticDownload(Flag flag) { set("automaticDownload", flag); }
+  void setRedownloadDownload(Flag flag) { set("redownloadDownload", flag); }
+  void setCompilation(Flag flag) { set("compilation", flag); }
+  void setRental(Flag flag) { set("rental", flag); }
+  void setSample(Flag flag) { set("sample", flag); }
+  void setBundleIdentifier(Text text) { set("bundleIdentifier", std::move(text)); }
+  void setTransactionIdentifier(Text text) { set("transactionIdentifier", std::move(text)); }
+  void setCancelDownloadURL(Link url) { set("cancelDownloadURL", std::move(url)); }
+  void setItemIdentifier(Number number) { set("itemIdentifier", number); }
 
  private:
-  Property<std::string> _kind;
-  Property<Clock::Date> _purchaseDate;
-  Property<NSURL> _primaryAssetURL;
-  Property<std::string> _shortDescription;
-  Property<std::string> _longDescription;
-  Property<std::string> _title;
-  Property<std::string> _sortTitle;
-  Property<std::string> _artistName;
-  Property<std::string> _sortArtistName;
-  Property<std::string> _collectionName;
-  Property<std::string> _sortCollectionName;
-  Property<int32_t> _indexInCollection;
-  Property<std::string> _genre;
-  Property<int32_t> _releaseYear;
-  Property<NSURL> _thumbnailImageURL;
-  Property<NSURL> _fullSizeImageURL;
-  Property<std::string> _fileExtension;
-  Property<bool> _artworkIsPrerendered;
-  Property<bool> _automaticDownload;
-  Property<bool> _redownloadDownload;
-  Property<bool> _compilation;
-  Property<bool> _rental;
-  Property<bool> _sample;
-  Property<std::string> _bundleIdentifier;
-  Property<std::string> _transactionIdentifier;
-  Property<NSURL> _cancelDownloadURL;
-  Property<int32_t> _itemIdentifier;
+  template <class T>
+  std::optional<T> get(std::string_view property) const {
+    const T* value = std::get_if<T>(&latest(property));
+    return value ? std::optional<T>(*value) : std::nullopt;
+  }
+  template <class T>
+  void set(std::string_view property, std::optional<T> value) {
+    _assignments.emplace_back(property, value ? Value(std::move(*value)) : Value());
+  }
+  const Value& latest(std::string_view property) const;
+
+  std::vector<std::pair<std::string_view, Value>> _assignments;
 };
 
 }  // namespace quaverly

@@ -1,3 +1,5 @@
+#include <ranges>
+
 #include "Platform/Foundation/NSClass.h"
 #include "Platform/StoreServices/SSDownload.h"
 #include "Platform/StoreServices/SSDownloadManager.h"
@@ -16,8 +18,16 @@ SSDownloadService* service = nullptr;
 }  // namespace
 
 SSDownloadMetadata* SSDownloadMetadata::initWithKind(std::string kind) {
-  _kind = std::move(kind);
+  set("kind", Text(std::move(kind)));
   return this;
+}
+
+const SSDownloadMetadata::Value& SSDownloadMetadata::latest(std::string_view property) const {
+  static const Value nothing;
+  for (const auto& [name, value] : std::views::reverse(_assignments)) {
+    if (name == property) return value;
+  }
+  return nothing;
 }
 
 SSDownloadAsset* SSDownloadAsset::initWithURLRequest(const NSURLRequest& request) {
