@@ -1,0 +1,95 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "Host/Environment/DeviceFacts.h"
+#include "Support/TemporaryFolder.h"
+
+namespace quaverly::host {
+namespace {
+
+using testing::ElementsAre;
+using Variables = std::map<std::string, std::string>;
+
+Environment with(const Variables& variables) {
+  return [variables](const char* name) -> std::optional<std::string> {
+    const auto found = variables.find(name);
+    return found == variables.end() || found->second.empty() ? std::nullopt : std::optional(found->second);
+  };
+}
+
+TEST(UserFolders, WithoutSettingsTheyAreTheUsualOnesInTheHomeFolder) {
+  const test::TemporaryFolder home;
+  const auto folders = UserFolders::find(with({{"HOME", home.path()}}));
+  EXPECT_EQ(folders.downloads, home.path() / "Downloads");
+  EXPECT_EQ(folders.music, home.path() / "Music");
+  EXPECT_EQ(folders.data, home.path() / ".local/share/quaverly");
+}
+
+TEST(UserFolders, AreThoseOfTheUsersSettings) {
+  const test::TemporaryFolder home;
+  home.write(".config/user-dirs.dirs",
+             "# comment XDG_MUSIC_DIR=\"/no\"\nXDG_MUSIC_DIR=\"$HOME/Musik/Alle\"\n  "
+             "XDG_DOWNLOAD_DIR=\"/srv/in\"\n");
+  const auto folders = UserFolders::find(with({{"HOME", home.path()}, {"XDG_DATA_HOME", "/srv/data"}}));
+  EXPECT_EQ(folders.music, home.path() / "Musik/Alle");
+  EXPECT_EQ(folders.downloads, "/srv/in");
+  EXPECT_EQ(folders.data, "/srv/data/quaverly");
+}
+
+TEST(UserFolders, RelativeSettingsAreIgnored) {
+  const test::TemporaryFolder home;
+  home.write("c/user-dirs.dirs", "XDG_MUSIC_DIR=\"Musik\"\n");
+  const auto folders = UserFolders::find(
+      with({{"HOME", home.path()}, {"XDG_CONFIG_HOME", home / "c"}, {"XDG_DATA_HOME", "data"}}));
+  EXPECT_EQ(folders.music, home.path() / "Music");
+  EXPECT_EQ(folders.data, home.path() / ".local/share/quaverly");
+}
+
+TEST(LocaleIdentifier, IsTheFirstSettingWithoutItsEncoding) {
+  const std::vector<std::pair<Variables, std::string>> cases = {
+      {{{"LANG", "de_AT.UTF-8@euro"}}, "de_AT"},
+      {{{"LANG", "de_AT.UTF-8"}, {"LC_TIME", "fr_FR"}}, "fr_FR"},
+      {{{"LC_ALL", "ja_JP.UTF-8"}, {"LC_TIME", "fr_FR"}}, "ja_JP"},
+      {{{"LANG", "C.UTF-8"}}, "en_US"},
+      {{{"LANG", "POSIX"}}, "en_US"},
+      {{}, "en_US"}};
+  for (const auto& [variables, locale] : cases) EXPECT_EQ(localeIdentifier(with(variables)), locale);
+}
+
+TEST(PreferredLanguages, NameTheTableThatTheBundleHas) {
+  const test::TemporaryFolder bundle;
+  for (const auto* name : {"de.lproj", "zh-Hans.lproj", "pt-BR.lproj", "en.lproj"}) bundle.makeFolder(name);
+  const auto languages = [&](const Variables& variables) {
+    return preferredLanguages(with(variables), bundle.path());
+  };
+  EXPECT_THAT(languages({{"LANG", "de_AT.UTF-8"}}), ElementsAre("de"));
+  EXPECT_THAT(languages({{"LANG", "zh_CN.UTF-8"}}), ElementsAre("zh-Hans"));
+  EXPECT_THAT(languages({{"LANG", "zh_TW.UTF-8"}}), ElementsAre("zh-TW"));
+  EXPECT_THAT(languages({{"LANG", "pt_BR.UTF-8"}}), ElementsAre("pt-BR"));
+  EXPECT_THAT(languages({{"LANG", "sv_SE"}, {"LANGUAGE", "de_CH:pt_BR"}}),
+              ElementsAre("de", "pt-BR", "sv-SE"));
+  EXPECT_THAT(languages({{"LANG", "C"}, {"LANGUAGE", "de"}}), ElementsAre("en"));
+  EXPECT_THAT(languages({}), ElementsAre("en"));
+}
+
+TEST(TimeZoneName, IsTheEnvironmentsThenTheMachines) {
+  const test::TemporaryFolder etc;
+  EXPECT_EQ(timeZoneName(with({{"TZ", ":Asia/Tokyo"}}), etc.path()), "Asia/Tokyo");
+  EXPECT_EQ(timeZoneName(with({}), etc.path()), "UTC");
+  etc.write("timezone", "Europe/Berlin\n");
+  EXPECT_EQ(timeZoneName(with({}), etc.path()), "Europe/Berlin");
+  std::filesystem::create_symlink("/usr/share/zoneinfo/America/New_York", etc.path() / "localtime");
+  EXPECT_EQ(timeZoneName(with({}), etc.path()), "America/New_York");
+}
+
+TEST(SystemVersion, IsThatOfTheRelease) {
+  const test::TemporaryFolder etc;
+  EXPECT_EQ(systemVersion(etc.write("a", "NAME=x\nVERSION_ID=\"12\"\n")), "12");
+  EXPECT_EQ(systemVersion(etc.write("b", "NAME=x\n")), "0");
+  EXPECT_EQ(systemVersion(etc / "none"), "0");
+}
+
+}  // namespace
+}  // namespace quaverly::host
