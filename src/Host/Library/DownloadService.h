@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "Host/Library/Catalogue.h"
+#include "Host/Library/DownloadObserver.h"
+#include "Host/Library/LibrarySettings.h"
+#include "Host/Library/OutsideFiles.h"
+#include "Host/Library/Result.h"
+#include "Host/Library/SongServer.h"
+#include "Platform/StoreServices/SSDownloadManager.h"
+
+namespace quaverly::library {
+
+/// Stands behind the platform's music download manager: writes each download into the catalogue, fetches one
+/// after the other over HTTP on a worker thread, and files the songs into the library. Main thread, whose
+/// loop must run for anything to go on.
+///
+/// Of two services on one data folder, in whatever programs, one works and the other waits until the first is
+/// gone. The completion block of every download runs on the main thread once the download has ended, or when
+/// the service stops.
+class DownloadService : public SSDownloadService {
+ public:
+  /// Makes the data folder where it is missing. Fails when the catalogue cannot be used. `outsideFiles` and
+  /// `server` must outlive the service.
+  static Result<std::unique_ptr<DownloadService>> open(LibrarySettings settings, OutsideFiles& outsideFiles,
+                                                       SongServer& server);
+  /// Stops, and waits for the current step to end. Observers hear nothing more.
+  ~DownloadService() override;
+
+  /// An outside file that a download names stays mounted as long as the download lives.
+  void addDownloads(const std::vector<Ref<SSDownload>>& downloads) override;
+
+  /// The download that was added last; 0 before the first.
+  DownloadID latestDownload() const;
+
+  /// Goes on with what earlier runs left unfinished; observers hear of each as added.
+  void resumeInterrupted();
+  /// Tries a failed download again, as it was added.
+  MaybeFailure retry(DownloadID id);
+
+  /// Ends after the current step: a fetch is given up, a song that is whole is filed. Returns at once;
+  /// `serviceStopped` tells the rest. Whatever is added afterwards is only written into the catalogue.
+  void stop();
+
+  /// Whether nothing is waiting or under way.
+  bool isIdle() const;
+
+  /// Unowned; an observer takes itself out before it goes.
+  void addObserver(DownloadObserver* observer);
+  void removeObserver(DownloadObserver* observer);
+
+  /// The main thread's catalogue, for listings.
+  Catalogue& catalogue();
+
+ private:
+  class Worker;
+  struct State;
+  explicit DownloadService(std::unique_ptr<State> state);
+
+  std::unique_ptr<State> _state;
+};
+
+}  // namespace quaverly::library
