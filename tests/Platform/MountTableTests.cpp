@@ -49,6 +49,7 @@ TEST(MountTable, NothingOutsideTheMountsCanBeNamed) {
   EXPECT_EQ(hostPath("/var/mobile/Media/../../../etc/passwd"), "nothing");
   EXPECT_EQ(hostPath("/var/mobile/Import/1/b.mp3"), "nothing");
   EXPECT_EQ(hostPath("/var/mobile/Mediaeval"), "nothing");
+  EXPECT_EQ(hostPath(std::string_view("/var/mobile/Media/a\0.mp3", 24)), "nothing");
 }
 
 TEST(MountTable, FoldersOnTheWayShowTheWayAndNoMore) {

@@ -74,6 +74,8 @@ void MountTable::unmount(std::string_view devicePath) {
 }
 
 std::optional<MountTable::Location> MountTable::resolve(std::string_view devicePath) const {
+  if (devicePath.find('\0') != std::string_view::npos)
+    return std::nullopt;  // the host would cut it off there
   const std::string path = canonical(devicePath);
   std::lock_guard lock(_mutex);
   const Location* found = nullptr;

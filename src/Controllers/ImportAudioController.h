@@ -1,0 +1,62 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Other/QVClasses.h"
+#include "Platform/Foundation/NSMutableString.h"
+#include "Platform/Preferences/PSViewController.h"
+#include "Platform/UIKit/UIBarButtonItem.h"
+#include "Platform/UIKit/UILabel.h"
+
+namespace quaverly {
+
+/// The screen from which a person picks a local audio file: it shows one folder of the device at a time.
+/// Main thread only.
+class ImportAudioController : public PSViewController {
+ public:
+  ImportAudioController* init() override;
+
+  /// Lists a folder, and makes it the opened one: the subtitle shows its path, the back button the folder
+  /// above it. The entries come in the file system's order, hidden ones too; a folder that cannot be read has
+  /// none.
+  std::vector<FileItem> ItemsInFolder(std::string folder);
+
+  /// Installs a listing as the one on screen.
+  void setItems(std::vector<FileItem> items);
+  void setSubTitle(std::string subTitle);
+
+  /// Lists the folder above the opened one; "/" is above itself.
+  void backBrowser();
+
+  /// Reads the tags of an audio file, and stages its cover as a JPEG file in the temporary folder. An
+  /// unreadable file gives an empty record.
+  iTunesSongItem songItemFromPath(const std::string& path);
+
+  /// The folder for staged artwork; made when it is not there, which is logged when it fails.
+  std::string quaverlyTempDirectory();
+
+  /// The path of the folder on screen: one object, overwritten by every listing.
+  const Ref<NSMutableString>& openedFolder() const { return _openedFolder; }
+  void setOpenedFolder(Ref<NSMutableString> openedFolder) { _openedFolder = std::move(openedFolder); }
+
+  const std::vector<FileItem>& fileItems() const { return _fileItems; }
+  void setFileItems(std::vector<FileItem> fileItems) { _fileItems = std::move(fileItems); }
+
+  const Ref<UILabel>& titleLabel() const { return _titleLabel; }
+  const Ref<UILabel>& subTitleLabel() const { return _subTitleLabel; }
+  const Ref<UILabel>& statusLabel() const { return _statusLabel; }
+  const Ref<UIBarButtonItem>& temporaryBarButtonItem() const { return _temporaryBarButtonItem; }
+
+ private:
+  void setBackTitle();
+
+  Ref<UILabel> _titleLabel;
+  Ref<UILabel> _subTitleLabel;
+  Ref<UILabel> _statusLabel;
+  Ref<UIBarButtonItem> _temporaryBarButtonItem;
+  Ref<NSMutableString> _openedFolder;
+  std::vector<FileItem> _fileItems;
+};
+
+}  // namespace quaverly
