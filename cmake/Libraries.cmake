@@ -2,6 +2,7 @@
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 REQUIRED)
+find_package(absl REQUIRED)
 find_package(ICU 72 REQUIRED COMPONENTS uc i18n)
 find_package(nlohmann_json 3.11 REQUIRED)
 find_package(SQLite3 REQUIRED)

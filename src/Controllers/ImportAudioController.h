@@ -16,6 +16,7 @@ namespace quaverly {
 class ImportAudioController : public PSViewController {
  public:
   ImportAudioController* init() override;
+  void loadView() override;
 
   /// Lists a folder, and makes it the opened one: the subtitle shows its path, the back button the folder
   /// above it. The entries come in the file system's order, hidden ones too; a folder that cannot be read has
@@ -46,10 +47,13 @@ class ImportAudioController : public PSViewController {
   const Ref<UILabel>& titleLabel() const { return _titleLabel; }
   const Ref<UILabel>& subTitleLabel() const { return _subTitleLabel; }
   const Ref<UILabel>& statusLabel() const { return _statusLabel; }
+  /// The button that goes back up, and names the folder it goes to.
   const Ref<UIBarButtonItem>& temporaryBarButtonItem() const { return _temporaryBarButtonItem; }
+  void setTemporaryBarButtonItem(Ref<UIBarButtonItem> item) { _temporaryBarButtonItem = std::move(item); }
 
  private:
-  void setBackTitle();
+  std::string openedFolderText() const;
+  std::string backTitle(const std::string& folder) const;
 
   Ref<UILabel> _titleLabel;
   Ref<UILabel> _subTitleLabel;
