@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "Other/QVClasses.h"
+#include "Platform/AVFoundation/AVMetadataItem.h"
 #include "Platform/Foundation/NSMutableString.h"
 #include "Platform/Preferences/PSViewController.h"
 #include "Platform/UIKit/UIBarButtonItem.h"
@@ -34,6 +35,10 @@ class ImportAudioController : public PSViewController {
   /// unreadable file gives an empty record.
   iTunesSongItem songItemFromPath(const std::string& path);
 
+  /// Puts one item of a file's metadata into the record, over what is there; artwork is staged. Items that the
+  /// record has no field for are ignored.
+  void readMetadataItemIntoSongItem(const AVMetadataItem& item, iTunesSongItem& song);
+
   /// The folder for staged artwork; made when it is not there, which is logged when it fails.
   std::string quaverlyTempDirectory();
 
@@ -52,6 +57,7 @@ class ImportAudioController : public PSViewController {
   void setTemporaryBarButtonItem(Ref<UIBarButtonItem> item) { _temporaryBarButtonItem = std::move(item); }
 
  private:
+  void readArtwork(const AVMetadataItem& item, iTunesSongItem& song);
   std::string openedFolderText() const;
   std::string backTitle(const std::string& folder) const;
 

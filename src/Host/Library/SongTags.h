@@ -10,9 +10,9 @@ namespace quaverly::library {
 
 /// The tags that an import decides. Absent (and 0) means none: the filed song then has no such tag.
 struct SongTags {
-  std::optional<std::string> title;
-  std::optional<std::string> artist;
-  std::optional<std::string> album;
+  std::optional<std::string> title{};
+  std::optional<std::string> artist{};
+  std::optional<std::string> album{};
   int32_t trackNumber = 0;
   int32_t year = 0;
   bool operator==(const SongTags&) const = default;
@@ -26,7 +26,7 @@ struct ArtworkChange {
     replace,  ///< `image` becomes its front cover; other kinds of picture stay
   };
   Kind kind = Kind::keep;
-  NSData image;  ///< JPEG or PNG bytes
+  NSData image{};  ///< JPEG or PNG bytes
 };
 
 enum class AudioKind { mpeg, flac, oggVorbis, oggOpus, mp4 };

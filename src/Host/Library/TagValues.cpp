@@ -1,0 +1,70 @@
+#include "Host/Library/TagValues.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "Platform/Foundation/NSString.h"
+
+namespace quaverly::library {
+namespace {
+
+using tags::TagContents;
+using Text = std::optional<std::string>;
+
+/// The number that a reader finds in what is written for a field; 0 for none.
+int32_t numberRead(Field field, std::string_view written) {
+  const auto text = field == &TagContents::year ? tags::yearOf(written) : tags::trackNumberOf(written);
+  return text ? NSStringIntValue(*text) : 0;
+}
+
+Text writableText(const Text& text) {
+  if (!text) return std::nullopt;
+  auto valid = NSStringWithReplacements(std::string_view(*text).substr(0, text->find('\0')));
+  return valid.empty() ? std::nullopt : Text(std::move(valid));
+}
+
+std::string numberText(int32_t number) {
+  return number > 0 ? std::to_string(number) : std::string();
+}
+
+Text fieldOf(const std::vector<TagContents>& groups, Field field) {
+  Text text;
+  for (const auto& group : groups) {
+    if (group.*field) text = group.*field;
+  }
+  return writableText(text);
+}
+
+}  // namespace
+
+SongTags writable(const SongTags& tags) {
+  return {.title = writableText(tags.title),
+          .artist = writableText(tags.artist),
+          .album = writableText(tags.album),
+          .trackNumber = std::max(tags.trackNumber, 0),
+          .year = std::max(tags.year, 0)};
+}
+
+std::string valueOf(const SongTags& tags, Field field) {
+  if (field == &TagContents::title) return tags.title.value_or("");
+  if (field == &TagContents::artist) return tags.artist.value_or("");
+  if (field == &TagContents::album) return tags.album.value_or("");
+  return numberText(field == &TagContents::track ? tags.trackNumber : tags.year);
+}
+
+bool readsTo(std::string_view wanted, Field field, std::string_view written) {
+  if (field != &TagContents::track && field != &TagContents::year) return written == wanted;
+  const int32_t number = NSStringIntValue(wanted);
+  return numberRead(field, written) == number || (number > 0 && NSStringIntValue(written) == number);
+}
+
+SongTags songTagsOf(const std::vector<TagContents>& groups) {
+  return {.title = fieldOf(groups, &TagContents::title),
+          .artist = fieldOf(groups, &TagContents::artist),
+          .album = fieldOf(groups, &TagContents::album),
+          .trackNumber = std::max(NSStringIntValue(fieldOf(groups, &TagContents::track).value_or("")), 0),
+          .year = std::max(NSStringIntValue(fieldOf(groups, &TagContents::year).value_or("")), 0)};
+}
+
+}  // namespace quaverly::library

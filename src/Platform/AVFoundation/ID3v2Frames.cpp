@@ -1,0 +1,137 @@
+#include "Platform/AVFoundation/ID3v2Frames.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace quaverly::tags {
+namespace {
+
+bool isIdCharacter(uint8_t byte) {
+  return (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+}
+
+}  // namespace
+
+size_t resynchronise(std::span<uint8_t> bytes) {
+  uint8_t* out = bytes.data();
+  const uint8_t* in = bytes.data();
+  const uint8_t* const end = in + bytes.size();
+  while (in < end) {
+    const auto* mark = static_cast<const uint8_t*>(std::memchr(in, 0xff, static_cast<size_t>(end - in)));
+    const auto* stop = mark ? mark + 1 : end;
+    std::memmove(out, in, static_cast<size_t>(stop - in));
+    out += stop - in;
+    in = stop;
+    if (mark && in < end && *in == 0) ++in;
+  }
+  return static_cast<size_t>(out - bytes.data());
+}
+
+ID3v2Frames::ID3v2Frames(const ID3v2Header& header, std::span<uint8_t> tag) : _version(header.version) {
+  if (!header.readable() || tag.size() <= ID3v2Header::length) return;
+  auto body = tag.subspan(ID3v2Header::length);
+  body = body.first(std::min<size_t>(body.size(), header.bodyLength));
+  if (header.unsynchronised && _version < 4) {
+    body = body.first(resynchronise(body));
+  } else {
+    _unsynchronised = header.unsynchronised;
+  }
+  _rest = body;
+  if (header.extended) skipExtendedHeader();
+}
+
+void ID3v2Frames::skipExtendedHeader() {
+  // Some taggers set the flag and write no such header.
+  if (_rest.size() < 4 || beginsFrame(_rest)) return;
+  const auto size = _version == 3 ? bigEndian(_rest.first(4)) + uint64_t{4}
+                                  : uint64_t{syncsafe(_rest.first(4)).value_or(bigEndian(_rest.first(4)))};
+  if (size <= _rest.size()) _rest = _rest.subspan(static_cast<size_t>(size));
+}
+
+/// How many characters of id `bytes` begin with; 0 when it is no id. Some taggers left ids of 2.2, filled up
+/// with a zero, in tags of 2.3.
+size_t ID3v2Frames::idLengthAt(Bytes bytes) const {
+  const size_t wanted = idLength();
+  if (bytes.size() < wanted || !isIdCharacter(bytes[0]) || !isIdCharacter(bytes[1]) ||
+      !isIdCharacter(bytes[2]))
+    return 0;
+  if (wanted == 3 || isIdCharacter(bytes[3])) return wanted;
+  return bytes[3] == 0 ? 3 : 0;
+}
+
+bool ID3v2Frames::beginsFrame(Bytes bytes) const {
+  return bytes.size() >= headerLength() && idLengthAt(bytes) > 0;
+}
+
+bool ID3v2Frames::isPadding() const {
+  return std::ranges::all_of(part(_rest, 0, idLength()), [](uint8_t byte) { return byte == 0; });
+}
+
+/// Whether a frame with such a body is followed by what may follow one.
+bool ID3v2Frames::endsPlausibly(size_t bodyLength) const {
+  if (!fits(bodyLength)) return false;
+  const Bytes behind = _rest.subspan(headerLength() + bodyLength);
+  if (behind.size() < headerLength()) return true;
+  return behind[0] == 0 || beginsFrame(behind);
+}
+
+/// The length of the body of the frame at hand; nothing when no reading of its size fits into the tag.
+/// Known taggers write plain sizes in 2.4, where they should be syncsafe, and a few the other way around in
+/// 2.3: what follows decides, and the standard's reading when that does not.
+std::optional<size_t> ID3v2Frames::bodyLength() const {
+  if (_version == 2) {
+    const size_t size = bigEndian(_rest.subspan(3, 3));
+    return fits(size) ? std::optional(size) : std::nullopt;
+  }
+  const Bytes field = _rest.subspan(4, 4);
+  std::array<std::optional<size_t>, 2> readings{bigEndian(field), syncsafe(field)};
+  if (_version == 4) std::swap(readings[0], readings[1]);
+  for (const auto& size : readings) {
+    if (size && endsPlausibly(*size)) return size;
+  }
+  for (const auto& size : readings) {
+    if (size && fits(*size)) return size;
+  }
+  return std::nullopt;
+}
+
+std::optional<ID3v2Frame> ID3v2Frames::next() {
+  while (_rest.size() >= headerLength() && !isPadding()) {
+    const size_t characters = idLengthAt(_rest);
+    const auto size = characters > 0 ? bodyLength() : std::nullopt;
+    if (!size) {
+      skipToPlausible();
+      continue;
+    }
+    ID3v2Frame frame{.id = asText(_rest.first(characters)),
+                     .version = _version,
+                     .header = _rest.first(headerLength()),
+                     .body = _rest.subspan(headerLength(), *size)};
+    if (_version > 2) frame.flags = static_cast<uint16_t>(bigEndian(_rest.subspan(8, 2)));
+    frame.unsynchronised = _version == 4 && (_unsynchronised || (frame.flags & 0x0002) != 0);
+    _rest = _rest.subspan(headerLength() + *size);
+    return frame;
+  }
+  _rest = {};
+  return std::nullopt;
+}
+
+/// Stricter than what is asked of a frame behind an intact one, because pictures hold every sequence of
+/// bytes.
+bool ID3v2Frames::isPlausible() const {
+  if (idLengthAt(_rest) != idLength()) return false;
+  const auto size = bodyLength();
+  if (!size || *size == 0 || !endsPlausibly(*size)) return false;
+  if (_version == 2) return true;
+  const uint16_t undefined = _version == 3 ? 0x1f1f : 0x8fb0;
+  return (bigEndian(_rest.subspan(8, 2)) & undefined) == 0;
+}
+
+void ID3v2Frames::skipToPlausible() {
+  do {
+    _rest = _rest.subspan(1);
+  } while (_rest.size() >= headerLength() && !isPlausible());
+}
+
+}  // namespace quaverly::tags

@@ -1,0 +1,91 @@
+#include "Platform/AVFoundation/ID3v2Reading.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "Platform/AVFoundation/ID3Genre.h"
+#include "Platform/AVFoundation/ID3Text.h"
+
+namespace quaverly::tags {
+namespace {
+
+/// Far more than any song has; a tag made of nothing but tiny frames must not cost more memory than it is
+/// long.
+constexpr size_t mostFrames = 500;
+
+constexpr std::array<std::pair<std::string_view, TagContents::Field>, 13> textFrames{{
+    {"TIT2", &TagContents::title},
+    {"TT2", &TagContents::title},
+    {"TPE1", &TagContents::artist},
+    {"TP1", &TagContents::artist},
+    {"TALB", &TagContents::album},
+    {"TAL", &TagContents::album},
+    {"TCON", &TagContents::genre},
+    {"TCO", &TagContents::genre},
+    {"TRCK", &TagContents::track},
+    {"TRK", &TagContents::track},
+    {"TDRC", &TagContents::year},
+    {"TYER", &TagContents::year},
+    {"TYE", &TagContents::year},
+}};
+
+void readText(TagContents::Field field, Bytes content, TagContents& contents) {
+  std::string text = textOfFrame(content);
+  if (field == &TagContents::genre) text = genreOf(text).value_or("");
+  contents.set(field, std::move(text));
+}
+
+/// The length of what stands before the picture's kind: the name of its format.
+std::optional<size_t> lengthOfFormat(const ID3v2Frame& frame, Bytes afterEncoding) {
+  if (frame.id.size() == 3) return 3;
+  const size_t length = terminatedLength(ID3Encoding::latin1, afterEncoding);
+  const bool terminated = length > 0 && afterEncoding[length - 1] == 0;
+  return terminated ? std::optional(length) : std::nullopt;
+}
+
+}  // namespace
+
+TagContents::Field fieldOfFrame(std::string_view id) {
+  const auto* found =
+      std::ranges::find(textFrames, id, &std::pair<std::string_view, TagContents::Field>::first);
+  return found == textFrames.end() ? nullptr : found->second;
+}
+
+bool isPictureFrame(std::string_view id) {
+  return id == "APIC" || id == "PIC";
+}
+
+std::optional<FramedPicture> pictureOfFrame(const ID3v2Frame& frame, Bytes content) {
+  if (content.empty() || content[0] > static_cast<uint8_t>(ID3Encoding::utf8)) return std::nullopt;
+  const auto encoding = static_cast<ID3Encoding>(content[0]);
+  content = content.subspan(1);
+  const auto format = lengthOfFormat(frame, content);
+  if (!format || content.size() <= *format || asText(content).starts_with("-->")) return std::nullopt;
+  FramedPicture picture{.kind = content[*format]};
+  content = content.subspan(*format + 1);
+  picture.image = content.subspan(terminatedLength(encoding, content));
+  return picture.image.empty() ? std::nullopt : std::optional(picture);
+}
+
+void readID3v2(const ID3v2Header& header, FileBytes& piece, TagContents& contents) {
+  ID3v2Frames frames(header, piece.writable());
+  ID3v2Decoder decoder;
+  size_t taken = 0;
+  while (const auto frame = frames.next()) {
+    const auto field = fieldOfFrame(frame->id);
+    if (!field && !isPictureFrame(frame->id)) continue;
+    if (++taken > mostFrames) break;
+    const auto content = decoder.content(*frame);
+    if (!content) continue;
+    if (field) {
+      readText(field, content->bytes, contents);
+    } else if (const auto picture = pictureOfFrame(*frame, content->bytes)) {
+      auto data = content->owner ? NSData(content->owner, std::as_bytes(picture->image))
+                                 : piece.share(picture->image);
+      contents.pictures.push_back({picture->kind, std::move(data)});
+    }
+  }
+}
+
+}  // namespace quaverly::tags
