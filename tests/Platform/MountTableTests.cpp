@@ -49,6 +49,7 @@ TEST(MountTable, NothingOutsideTheMountsCanBeNamed) {
   EXPECT_EQ(hostPath("/var/mobile/Media/../../../etc/passwd"), "nothing");
   EXPECT_EQ(hostPath("/var/mobile/Import/1/b.mp3"), "nothing");
   EXPECT_EQ(hostPath("/var/mobile/Mediaeval"), "nothing");
+  EXPECT_EQ(hostPath(""), "nothing");
   EXPECT_EQ(hostPath(std::string_view("/var/mobile/Media/a\0.mp3", 24)), "nothing");
 }
 
@@ -61,6 +62,7 @@ TEST(MountTable, FoldersOnTheWayShowTheWayAndNoMore) {
   EXPECT_TRUE(mounts.isOnTheWay("/var"));
   EXPECT_FALSE(mounts.isOnTheWay("/var/mobile/Media"));
   EXPECT_FALSE(mounts.isOnTheWay("/etc"));
+  EXPECT_FALSE(mounts.isOnTheWay(""));
 }
 
 TEST(MountTable, AHostPathHasTheDevicePathOfItsLongestMount) {

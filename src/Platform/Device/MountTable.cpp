@@ -20,6 +20,11 @@ std::string_view remainder(std::string_view path, std::string_view folder) {
   return path;
 }
 
+/// No path is empty, and the host would cut one off at a NUL.
+bool namesSomething(std::string_view path) {
+  return !path.empty() && path.find('\0') == std::string_view::npos;
+}
+
 std::string joined(std::string_view folder, std::string_view rest) {
   std::string path(folder);
   if (rest.empty()) return path;
@@ -74,8 +79,7 @@ void MountTable::unmount(std::string_view devicePath) {
 }
 
 std::optional<MountTable::Location> MountTable::resolve(std::string_view devicePath) const {
-  if (devicePath.find('\0') != std::string_view::npos)
-    return std::nullopt;  // the host would cut it off there
+  if (!namesSomething(devicePath)) return std::nullopt;
   const std::string path = canonical(devicePath);
   std::lock_guard lock(_mutex);
   const Location* found = nullptr;
@@ -91,6 +95,7 @@ std::optional<MountTable::Location> MountTable::resolve(std::string_view deviceP
 }
 
 bool MountTable::isOnTheWay(std::string_view devicePath) const {
+  if (!namesSomething(devicePath)) return false;
   const std::string path = canonical(devicePath);
   if (path == "/" && !resolve(path)) return true;
   return !resolve(path) && !namesTowardsMounts(path).empty();
