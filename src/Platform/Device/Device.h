@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -26,6 +28,8 @@ struct Device {
   /// Language identifiers as the names of string table folders, the most wanted first.
   std::vector<std::string> preferredLanguages = {"en"};
   std::string systemVersion = "8.4";
+  /// Uniformly random 32-bit numbers.
+  std::function<uint32_t()> random = [] { return 0U; };
 
   /// Classes and framework paths that this device lacks.
   std::set<std::string, std::less<>> absentClasses;

@@ -14,8 +14,8 @@
 
 namespace quaverly {
 
-/// What a download says of itself: the platform-neutral record of a purchase. A property is absent until it is set;
-/// when it is set again, the last value counts.
+/// What a download says of itself: the platform-neutral record of a purchase. A property is absent until it
+/// is set; when it is set again, the last value counts.
 class SSDownloadMetadata : public NSObject {
  public:
   /// The empty alternative is a property that was set to nothing.
