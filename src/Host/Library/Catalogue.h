@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -48,6 +48,10 @@ class Catalogue {
 
   /// Whether a download that is not filed needs this copy of a cover.
   Result<bool> needsArtwork(const std::string& artwork);
+
+  /// Runs `work`, calls to this object among it, alone of all who write: all is stored, or with a failure
+  /// nothing.
+  MaybeFailure transact(const std::function<MaybeFailure()>& work);
 
   // Songs.
 

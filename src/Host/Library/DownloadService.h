@@ -13,6 +13,8 @@
 
 namespace quaverly::library {
 
+class ActiveDownloads;
+
 /// Stands behind the platform's music download manager: writes each download into the catalogue, fetches one
 /// after the other over HTTP on a worker thread, and files the songs into the library. Main thread, whose
 /// loop must run for anything to go on.
@@ -55,11 +57,9 @@ class DownloadService : public SSDownloadService {
   Catalogue& catalogue();
 
  private:
-  class Worker;
-  struct State;
-  explicit DownloadService(std::unique_ptr<State> state);
+  explicit DownloadService(std::shared_ptr<ActiveDownloads> active);
 
-  std::unique_ptr<State> _state;
+  std::shared_ptr<ActiveDownloads> _active;
 };
 
 }  // namespace quaverly::library

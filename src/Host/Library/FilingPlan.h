@@ -1,63 +1,57 @@
 #pragma once
 
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "Host/Library/Catalogue.h"
+#include "Host/Library/LibraryNames.h"
 #include "Host/Library/Result.h"
+#include "Host/Library/SongOffer.h"
 #include "Host/Library/SongTags.h"
-#include "Host/Library/TagRewriter.h"
 
 namespace quaverly::library {
 
-/// A song as it is offered for filing: an open source, measured, and what is wanted of it.
-struct SongOffer {
-  int descriptor;          ///< the caller's
-  std::string sourcePath;  ///< its last component names a song without a title
-  SongFile file;
-  ContentHash audio;
-  SongTags tags;
-  ArtworkChange artwork;
-};
-
 /// What filing a song comes to.
 struct FilingPlan {
-  std::string artistFolder;  ///< names, not paths
+  std::string artistFolder;  ///< a name, as are the next two
   std::string albumFolder;
   std::string fileName;
   std::string path;  ///< all of it, absolute
-  SongTags before;
-  SongTags after;
+  SongTags before;   ///< as a reader finds them in the source
+  SongTags after;    ///< as a reader will find them in the library
   ArtworkChange::Kind artwork = ArtworkChange::Kind::keep;
   std::string cover;                       ///< as in `SongRecord`
   std::optional<std::string> duplicateOf;  ///< the same song in the library: nothing will be filed
-  std::optional<std::string> namesake;     ///< another song that has the name already: `path` has a number
+  std::optional<std::string> namesake;     ///< another song that has the name already: this one gets a number
 };
 
-/// Works out where a song goes in a library. Reads the library and the catalogue, changes neither.
+/// Works out where songs go in a library. Reads the library and the catalogue, changes neither.
 class FilingPlanner {
  public:
   /// The catalogue must outlive the planner.
   FilingPlanner(std::string libraryFolder, Catalogue& catalogue);
 
-  Result<FilingPlan> plan(const SongOffer& offer);
+  /// Fails when the catalogue cannot be read, or the library's own path leaves no room for names.
+  Result<FilingPlan> plan(const SongOffer& offer) const;
 
-  /// From now on counts a planned song as filed, so that a plan for many songs comes out as their import.
+  /// From now on counts a planned song as filed, so that plans for many songs come out as their import.
   void promise(const SongOffer& offer, const FilingPlan& plan);
 
  private:
   struct Promise {
-    std::string path;
-    SongTags tags;
     ContentHash audio;
+    SongTags tags;
     std::string cover;
+    std::string path;
   };
-  Result<std::optional<std::string>> sameSong(const SongOffer& offer, const FilingPlan& plan);
+  void chooseName(const SongOffer& offer, size_t longestName, FilingPlan& plan) const;
+  Result<std::optional<std::string>> sameSong(const SongOffer& offer, const FilingPlan& plan) const;
+  bool isFiledHere(const SongRecord& song) const;
 
   std::string _libraryFolder;
   Catalogue& _catalogue;
+  LibraryNames _names;
   std::vector<Promise> _promises;
 };
 

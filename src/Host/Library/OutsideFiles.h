@@ -30,8 +30,8 @@ class OutsideFile {
 /// Gives device paths to files that no mount reaches: /var/mobile/Import/N/NAME. Any thread.
 class OutsideFiles {
  public:
-  /// Mounts a host file, given by its absolute path, under a number that no living file has. Two calls for
-  /// one path make two device paths. Fails for a name that is not UTF-8, which no device path can carry.
+  /// Mounts a host file, given by its absolute path, under a number of its own. Two calls for one path make
+  /// two device paths. Fails for a name that is not UTF-8, which no device path can carry.
   Result<std::shared_ptr<const OutsideFile>> mount(const std::string& hostPath);
 
   /// The living file at a device path, or null.
@@ -39,6 +39,7 @@ class OutsideFiles {
 
  private:
   mutable std::mutex _mutex;
+  unsigned long _lastNumber = 0;
   std::map<std::string, std::weak_ptr<const OutsideFile>> _files;  // by device path
 };
 

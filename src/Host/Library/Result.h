@@ -23,11 +23,12 @@ class [[nodiscard]] Result {
   Result(Failure failure) : _content(std::move(failure)) {}
 
   explicit operator bool() const { return std::holds_alternative<T>(_content); }
-  /// Only when there is a value.
-  T& operator*() { return std::get<T>(_content); }
-  const T& operator*() const { return std::get<T>(_content); }
-  T* operator->() { return &**this; }
-  const T* operator->() const { return &**this; }
+  /// Only when there is a value; a temporary result gives it away.
+  T& operator*() & { return std::get<T>(_content); }
+  const T& operator*() const& { return std::get<T>(_content); }
+  T operator*() && { return std::get<T>(std::move(_content)); }
+  T* operator->() { return &std::get<T>(_content); }
+  const T* operator->() const { return &std::get<T>(_content); }
   /// Only when there is none.
   const Failure& failure() const { return std::get<Failure>(_content); }
 

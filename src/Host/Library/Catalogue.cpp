@@ -1,0 +1,245 @@
+#include "Host/Library/Catalogue.h"
+
+#include <sys/stat.h>
+
+#include <charconv>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+
+#include "Host/Library/CatalogueSchema.h"
+#include "Host/Library/Database.h"
+#include "Host/Library/SystemFailure.h"
+
+namespace quaverly::library {
+namespace {
+
+constexpr const char* downloadColumns =
+    "id, state, reason, source_path, device_path, asset_url, artwork, artwork_kind, metadata, bytes, "
+    "library_path, added, ended";
+constexpr const char* songColumns =
+    "download, path, title, artist, album, track_number, year, audio, cover, size, filed";
+
+int64_t milliseconds(Clock::Date date) {
+  return std::chrono::floor<std::chrono::milliseconds>(date).time_since_epoch().count();
+}
+
+Clock::Date dateOf(int64_t milliseconds) {
+  return Clock::Date(std::chrono::milliseconds(milliseconds));
+}
+
+Clock::Date now() {
+  return dateOf(milliseconds(std::chrono::system_clock::now()));
+}
+
+void bindText(Statement& statement, const std::optional<std::string>& text) {
+  text ? statement.bind(*text) : statement.bindNothing();
+}
+
+std::optional<std::string> textOrNothing(const Statement& row, int column) {
+  if (row.isNothing(column)) return std::nullopt;
+  return row.text(column);
+}
+
+ContentHash hashFromHex(std::string_view hex) {
+  ContentHash hash;
+  for (size_t i = 0; i < hash.bytes.size() && 2 * i + 2 <= hex.size(); ++i) {
+    std::from_chars(hex.data() + 2 * i, hex.data() + 2 * i + 2, hash.bytes[i], 16);
+  }
+  return hash;
+}
+
+/// A row that cannot be made sense of counts as damage.
+Result<DownloadRecord> downloadOf(const Statement& row) {
+  DownloadRecord record;
+  record.id = row.number(0);
+  const auto state = downloadStateNamed(row.text(1));
+  auto metadata = DownloadMetadata::fromJSON(row.text(8));
+  if (!state || !metadata) return Failure{"What the catalogue says about a download is damaged."};
+  record.state = *state;
+  record.reason = row.text(2);
+  record.sourcePath = row.text(3);
+  record.devicePath = row.text(4);
+  record.assetURL = row.text(5);
+  record.artwork = row.text(6);
+  record.artworkKind = static_cast<ArtworkChange::Kind>(row.number(7));
+  record.metadata = std::move(*metadata);
+  record.bytes = static_cast<uint64_t>(row.number(9));
+  record.libraryPath = row.text(10);
+  record.added = dateOf(row.number(11));
+  if (!row.isNothing(12)) record.ended = dateOf(row.number(12));
+  return record;
+}
+
+SongRecord songOf(const Statement& row) {
+  SongRecord song;
+  song.download = row.number(0);
+  song.path = row.text(1);
+  song.tags.title = textOrNothing(row, 2);
+  song.tags.artist = textOrNothing(row, 3);
+  song.tags.album = textOrNothing(row, 4);
+  song.tags.trackNumber = static_cast<int32_t>(row.number(5));
+  song.tags.year = static_cast<int32_t>(row.number(6));
+  song.audio = hashFromHex(row.text(7));
+  song.cover = row.text(8);
+  song.size = static_cast<uint64_t>(row.number(9));
+  song.filed = dateOf(row.number(10));
+  return song;
+}
+
+Result<std::vector<DownloadRecord>> downloadsOf(Statement statement) {
+  std::vector<DownloadRecord> records;
+  while (statement.step()) {
+    auto record = downloadOf(statement);
+    if (!record) return record.failure();
+    records.push_back(std::move(*record));
+  }
+  if (auto failure = statement.failure()) return *failure;
+  return records;
+}
+
+Result<std::vector<SongRecord>> songsOf(Statement statement) {
+  std::vector<SongRecord> songs;
+  while (statement.step()) songs.push_back(songOf(statement));
+  if (auto failure = statement.failure()) return *failure;
+  return songs;
+}
+
+/// `filed` is absent for a song that is only intended.
+MaybeFailure insertSong(Database& database, const SongRecord& song, std::optional<Clock::Date> filed) {
+  auto insert =
+      database.prepare(std::string("INSERT INTO songs (") + songColumns + ") VALUES (?,?,?,?,?,?,?,?,?,?,?)");
+  insert.bind(song.download).bind(song.path);
+  for (const auto* text : {&song.tags.title, &song.tags.artist, &song.tags.album}) bindText(insert, *text);
+  insert.bind(int64_t{song.tags.trackNumber}).bind(int64_t{song.tags.year}).bind(song.audio.hex());
+  insert.bind(song.cover).bind(static_cast<int64_t>(song.size));
+  filed ? insert.bind(milliseconds(*filed)) : insert.bindNothing();
+  return insert.run();
+}
+
+MaybeFailure forgetIntention(Database& database, DownloadID id) {
+  return database.prepare("DELETE FROM songs WHERE download = ? AND filed IS NULL").bind(id).run();
+}
+
+MaybeFailure makeDataFolder(const std::string& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(std::filesystem::path(folder).parent_path(), error);
+  if (!error && mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) error = {errno, std::generic_category()};
+  if (error) return systemFailure("The data folder " + folder + " cannot be made", error.value());
+  return std::nullopt;
+}
+
+}  // namespace
+
+Catalogue::Catalogue(std::unique_ptr<Database> database) : _database(std::move(database)) {}
+Catalogue::Catalogue(Catalogue&&) noexcept = default;
+Catalogue::~Catalogue() = default;
+
+Result<Catalogue> Catalogue::open(const std::string& dataFolder) {
+  if (auto failure = makeDataFolder(dataFolder)) return *failure;
+  auto database = Database::open(dataFolder + "/catalogue.sqlite");
+  if (!database) return database.failure();
+  if (auto failure = prepareCatalogue(**database)) return *failure;
+  return Catalogue(std::move(*database));
+}
+
+Result<DownloadID> Catalogue::add(DownloadRecord record) {
+  auto insert = _database->prepare(
+      "INSERT INTO downloads (state, reason, source_path, device_path, asset_url, artwork, artwork_kind, "
+      "metadata, bytes, library_path, added) VALUES ('queued', '', ?, ?, ?, ?, ?, ?, 0, '', ?)");
+  insert.bind(record.sourcePath).bind(record.devicePath).bind(record.assetURL).bind(record.artwork);
+  insert.bind(static_cast<int64_t>(record.artworkKind))
+      .bind(record.metadata.json())
+      .bind(milliseconds(now()));
+  if (auto failure = insert.run()) return *failure;
+  return _database->lastInsertedRow();
+}
+
+Result<std::optional<DownloadRecord>> Catalogue::download(DownloadID id) {
+  auto select = _database->prepare(std::string("SELECT ") + downloadColumns + " FROM downloads WHERE id = ?");
+  select.bind(id);
+  auto found = downloadsOf(std::move(select));
+  if (!found) return found.failure();
+  if (found->empty()) return std::optional<DownloadRecord>();
+  return std::optional(std::move(found->front()));
+}
+
+Result<std::vector<DownloadRecord>> Catalogue::downloads() {
+  return downloadsOf(
+      _database->prepare(std::string("SELECT ") + downloadColumns + " FROM downloads ORDER BY id DESC"));
+}
+
+Result<std::vector<DownloadRecord>> Catalogue::unfinishedDownloads() {
+  return downloadsOf(_database->prepare(std::string("SELECT ") + downloadColumns +
+                                        " FROM downloads WHERE state IN ('queued', 'fetching', 'placing') "
+                                        "ORDER BY id"));
+}
+
+MaybeFailure Catalogue::transact(const std::function<MaybeFailure()>& work) {
+  return _database->transact(work);
+}
+
+MaybeFailure Catalogue::update(const DownloadRecord& record) {
+  auto update = _database->prepare(
+      "UPDATE downloads SET state = ?, reason = ?, source_path = ?, device_path = ?, asset_url = ?, "
+      "bytes = ?, library_path = ?, ended = ? WHERE id = ?");
+  update.bind(nameOf(record.state)).bind(record.reason).bind(record.sourcePath).bind(record.devicePath);
+  update.bind(record.assetURL).bind(static_cast<int64_t>(record.bytes)).bind(record.libraryPath);
+  isFinal(record.state) ? update.bind(milliseconds(now())) : update.bindNothing();
+  if (auto failure = update.bind(record.id).run()) return failure;
+  return isFinal(record.state) ? forgetIntention(*_database, record.id) : std::nullopt;
+}
+
+MaybeFailure Catalogue::intend(const DownloadRecord& record, const SongRecord& song) {
+  if (auto failure = _database->run("PRAGMA synchronous = FULL")) return failure;
+  auto failure = _database->transact([&]() -> MaybeFailure {
+    if (auto problem = forgetIntention(*_database, record.id)) return problem;
+    if (auto problem = insertSong(*_database, song, std::nullopt)) return problem;
+    return update(record);
+  });
+  auto relaxed = _database->run("PRAGMA synchronous = NORMAL");
+  return failure ? failure : relaxed;
+}
+
+Result<std::optional<SongRecord>> Catalogue::intention(DownloadID id) {
+  auto select = _database->prepare(std::string("SELECT ") + songColumns +
+                                   " FROM songs WHERE download = ? AND filed IS NULL");
+  select.bind(id);
+  auto songs = songsOf(std::move(select));
+  if (!songs) return songs.failure();
+  if (songs->empty()) return std::optional<SongRecord>();
+  return std::optional(std::move(songs->front()));
+}
+
+MaybeFailure Catalogue::file(const DownloadRecord& record, const SongRecord& song) {
+  return _database->transact([&]() -> MaybeFailure {
+    if (auto problem = forgetIntention(*_database, record.id)) return problem;
+    // Whatever had this path before is gone: a new song got the name.
+    auto displace = _database->prepare("DELETE FROM songs WHERE path = ? AND filed IS NOT NULL");
+    if (auto problem = displace.bind(song.path).run()) return problem;
+    if (auto problem = insertSong(*_database, song, now())) return problem;
+    return update(record);
+  });
+}
+
+Result<bool> Catalogue::needsArtwork(const std::string& artwork) {
+  auto select = _database->prepare(
+      "SELECT 1 FROM downloads WHERE artwork = ? AND state NOT IN ('filed', 'duplicate') LIMIT 1");
+  const bool found = select.bind(artwork).step();
+  if (auto failure = select.failure()) return *failure;
+  return found;
+}
+
+Result<std::vector<SongRecord>> Catalogue::songs() {
+  return songsOf(_database->prepare(std::string("SELECT ") + songColumns +
+                                    " FROM songs WHERE filed IS NOT NULL ORDER BY id DESC"));
+}
+
+Result<std::vector<SongRecord>> Catalogue::songsWithAudio(const ContentHash& audio) {
+  auto select = _database->prepare(std::string("SELECT ") + songColumns +
+                                   " FROM songs WHERE audio = ? AND filed IS NOT NULL ORDER BY id");
+  select.bind(audio.hex());
+  return songsOf(std::move(select));
+}
+
+}  // namespace quaverly::library

@@ -1,0 +1,22 @@
+#include "Host/Library/DataLock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "Host/Library/SystemFailure.h"
+
+namespace quaverly::library {
+
+Result<std::optional<DataLock>> DataLock::tryTake(const std::string& dataFolder) {
+  const std::string path = dataFolder + "/lock";
+  FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  if (!file) return systemFailure("The data folder " + dataFolder + " cannot be used", errno);
+  if (flock(file.get(), LOCK_EX | LOCK_NB) == 0) return std::optional(DataLock(std::move(file)));
+  if (errno == EWOULDBLOCK || errno == EINTR) return std::optional<DataLock>();
+  return systemFailure("The data folder " + dataFolder + " cannot be used", errno);
+}
+
+}  // namespace quaverly::library
