@@ -24,7 +24,7 @@ constexpr std::array fieldNames{
     FieldNames{&TagContents::year, {"TYE", "TYER", "TDRC"}},
 };
 
-constexpr std::array<std::pair<std::string_view, Field>, 13> followers{{
+constexpr std::array<std::pair<std::string_view, Field>, 14> followers{{
     {"TSOT", &TagContents::title},
     {"XSOT", &TagContents::title},
     {"TST", &TagContents::title},
@@ -36,6 +36,7 @@ constexpr std::array<std::pair<std::string_view, Field>, 13> followers{{
     {"TSA", &TagContents::album},
     {"TDAT", &TagContents::year},
     {"TIME", &TagContents::year},
+    {"TDRL", &TagContents::year},
     {"TDA", &TagContents::year},
     {"TIM", &TagContents::year},
 }};

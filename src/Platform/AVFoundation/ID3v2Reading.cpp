@@ -44,6 +44,16 @@ std::optional<size_t> lengthOfFormat(const ID3v2Frame& frame, Bytes afterEncodin
   return terminated ? std::optional(length) : std::nullopt;
 }
 
+/// The time of the release stands in for that of the recording, which players show.
+TagContents::Field fieldFilledBy(const ID3v2Frame& frame, const TagContents& contents) {
+  const bool standsIn = frame.id == "TDRL" && !contents.year;
+  return standsIn ? &TagContents::year : fieldOfFrame(frame.id);
+}
+
+NSData shared(Bytes image, const ID3v2Content& content, const FileBytes& piece) {
+  return content.owner ? NSData(content.owner, std::as_bytes(image)) : piece.share(image);
+}
+
 }  // namespace
 
 TagContents::Field fieldOfFrame(std::string_view id) {
@@ -73,7 +83,7 @@ void readID3v2(const ID3v2Header& header, FileBytes& piece, TagContents& content
   ID3v2Decoder decoder;
   size_t taken = 0;
   while (const auto frame = frames.next()) {
-    const auto field = fieldOfFrame(frame->id);
+    const auto field = fieldFilledBy(*frame, contents);
     if (!field && !isPictureFrame(frame->id)) continue;
     if (++taken > mostFrames) break;
     const auto content = decoder.content(*frame);
@@ -81,9 +91,7 @@ void readID3v2(const ID3v2Header& header, FileBytes& piece, TagContents& content
     if (field) {
       readText(field, content->bytes, contents);
     } else if (const auto picture = pictureOfFrame(*frame, content->bytes)) {
-      auto data = content->owner ? NSData(content->owner, std::as_bytes(picture->image))
-                                 : piece.share(picture->image);
-      contents.pictures.push_back({picture->kind, std::move(data)});
+      contents.pictures.push_back({picture->kind, shared(picture->image, *content, piece)});
     }
   }
 }
