@@ -78,7 +78,8 @@ MaybeFailure probeTables(Database& database) {
 
 MaybeFailure prepareCatalogue(Database& database) {
   // With a write-ahead log a commit is one append, readers never wait, and only `intend` asks for a flush.
-  if (auto failure = database.run("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL")) return failure;
+  if (auto failure = database.runPatiently("PRAGMA journal_mode = WAL")) return failure;
+  if (auto failure = database.run("PRAGMA synchronous = NORMAL")) return failure;
   const auto version = versionOf(database);
   if (!version) return version.failure();
   if (*version > schemaVersion) {

@@ -3,12 +3,14 @@
 #include <sqlite3.h>
 
 #include <chrono>
+#include <thread>
 
 namespace quaverly::library {
 namespace {
 
 /// How long a writer waits for another one; a turn takes milliseconds.
 constexpr std::chrono::milliseconds busyLimit{10'000};
+constexpr std::chrono::milliseconds busyPause{5};
 
 std::string explanation(int code) {
   switch (code & 0xff) {
@@ -114,6 +116,17 @@ MaybeFailure Database::run(const std::string& sql) {
   const int code = sqlite3_exec(_database.get(), sql.c_str(), nullptr, nullptr, nullptr);
   if (code == SQLITE_OK) return std::nullopt;
   return failureOf(code);
+}
+
+MaybeFailure Database::runPatiently(const std::string& sql) {
+  const auto end = std::chrono::steady_clock::now() + busyLimit;
+  for (;;) {
+    const int code = sqlite3_exec(_database.get(), sql.c_str(), nullptr, nullptr, nullptr);
+    if (code == SQLITE_OK) return std::nullopt;
+    const bool isBusy = (code & 0xff) == SQLITE_BUSY;
+    if (!isBusy || std::chrono::steady_clock::now() > end) return failureOf(code);
+    std::this_thread::sleep_for(busyPause);
+  }
 }
 
 MaybeFailure Database::transact(const std::function<MaybeFailure()>& work) {

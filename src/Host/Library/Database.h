@@ -55,6 +55,9 @@ class Database {
   Statement prepare(std::string_view sql);
   /// Runs statements without parameters and rows.
   MaybeFailure run(const std::string& sql);
+  /// The same for a statement that SQLite refuses at once, without waiting, while another program has the
+  /// database: a change of the journal.
+  MaybeFailure runPatiently(const std::string& sql);
   /// Runs `work` in a transaction that takes the right to write at once: all of it is stored, or, when it
   /// fails, nothing.
   MaybeFailure transact(const std::function<MaybeFailure()>& work);
