@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "Host/CommandLine/Options.h"
+
+// Every command, each in a source file of its own. They set up the device that they need, write to standard
+// output and standard error, and answer what the program ends with.
+namespace quaverly::commandline {
+
+ExitStatus runImport(const CommonOptions& common, const ImportOptions& options);
+ExitStatus runList(const CommonOptions& common, const std::string& path);
+ExitStatus runInfo(const CommonOptions& common, const std::string& file);
+ExitStatus runLibrary(const CommonOptions& common);
+ExitStatus runDownloads(const CommonOptions& common);
+
+}  // namespace quaverly::commandline

@@ -1,0 +1,95 @@
+#include "Host/CommandLine/HostDevice.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <random>
+
+#include "Host/Environment/DeviceFacts.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Foundation/NSRunLoop.h"
+#include "Platform/Foundation/NSString.h"
+
+namespace quaverly::commandline {
+namespace {
+
+namespace fs = std::filesystem;
+using library::Failure;
+
+/// Absolute, without "." and "..", without a slash at the end; links stay.
+fs::path absolute(const std::string& path) {
+  const fs::path normal = fs::absolute(path).lexically_normal();
+  return normal.has_filename() || normal == normal.root_path() ? normal : normal.parent_path();
+}
+
+fs::path makeTemporaryFolder() {
+  std::string pattern = (fs::temp_directory_path() / "quaverly-XXXXXX").string();
+  if (!mkdtemp(pattern.data())) {
+    throw fs::filesystem_error("no temporary folder", pattern,
+                               std::error_code(errno, std::generic_category()));
+  }
+  return pattern;
+}
+
+void fillFacts(Device& device, const fs::path& bundle) {
+  device.clock = NSRunLoop::mainRunLoop().clock();
+  device.localeIdentifier = host::localeIdentifier(host::processEnvironment);
+  device.timeZoneName = host::timeZoneName(host::processEnvironment);
+  device.preferredLanguages = host::preferredLanguages(host::processEnvironment, bundle);
+  device.systemVersion = host::systemVersion();
+  device.random = [] {
+    static std::random_device source;
+    return static_cast<uint32_t>(source());
+  };
+}
+
+library::MaybeFailure problemWith(const std::string& file) {
+  struct stat status {};
+  if (stat(file.c_str(), &status) != 0) {
+    if (errno == ENOENT) return Failure{"There is no such file. Check the name."};
+    return Failure{std::string("It cannot be reached (") + std::strerror(errno) + ")."};
+  }
+  if (S_ISDIR(status.st_mode))
+    return Failure{"This is a folder. Name the files in it, for example with /*.mp3."};
+  if (!S_ISREG(status.st_mode)) return Failure{"This is no regular file."};
+  if (access(file.c_str(), R_OK) != 0) return Failure{"You may not read it. Change its permissions."};
+  if (status.st_size == 0) return Failure{"The file is empty. Get it anew."};
+  return std::nullopt;
+}
+
+}  // namespace
+
+HostDevice::HostDevice(const CommonOptions& options)
+    : _media(absolute(options.media)),
+      _library(absolute(options.library)),
+      _data(absolute(options.data)),
+      _temporary(makeTemporaryFolder()) {
+  Device device;
+  const fs::path bundle = host::bundleFolder();
+  device.mounts.mount(mediaPath, _media, MountTable::Access::readOnly);
+  device.mounts.mount("/var/mobile/Media/Quaverly/tmp", _temporary, MountTable::Access::readWrite);
+  device.mounts.mount("/Library/PreferenceBundles/QuaverlySettings.bundle", bundle,
+                      MountTable::Access::readOnly);
+  fillFacts(device, bundle);
+  Device::current() = device;
+}
+
+HostDevice::~HostDevice() {
+  std::error_code ignored;
+  fs::remove_all(_temporary, ignored);
+}
+
+library::Result<DeviceFile> reachFile(const std::string& file, library::OutsideFiles& outsideFiles) {
+  if (const auto problem = problemWith(file)) return *problem;
+  const std::string path = absolute(file);
+  if (const auto devicePath = library::mountedDevicePath(path); devicePath && NSStringIsUTF8(*devicePath)) {
+    return DeviceFile{*devicePath, nullptr};
+  }
+  auto outside = outsideFiles.mount(path);
+  if (!outside) return outside.failure();
+  return DeviceFile{(*outside)->devicePath(), *outside};
+}
+
+}  // namespace quaverly::commandline

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "Host/CommandLine/Options.h"
+#include "Host/Library/LibrarySettings.h"
+#include "Host/Library/OutsideFiles.h"
+#include "Host/Library/Result.h"
+
+namespace quaverly::commandline {
+
+/// The device that a command runs on: the platform's, filled from this machine and the common options, with a
+/// temporary folder of its own. One at a time, made first on the main thread.
+class HostDevice {
+ public:
+  /// Throws std::filesystem::filesystem_error when there can be no temporary folder.
+  explicit HostDevice(const CommonOptions& options);
+  ~HostDevice();
+  HostDevice(const HostDevice&) = delete;
+  HostDevice& operator=(const HostDevice&) = delete;
+
+  static constexpr const char* mediaPath = "/var/mobile/Media";
+
+  const std::filesystem::path& media() const { return _media; }
+  library::LibrarySettings librarySettings() const { return {_data.string(), _library.string()}; }
+  library::OutsideFiles& outsideFiles() { return _outsideFiles; }
+
+ private:
+  std::filesystem::path _media;
+  std::filesystem::path _library;
+  std::filesystem::path _data;
+  std::filesystem::path _temporary;
+  library::OutsideFiles _outsideFiles;
+};
+
+/// A file that was named on the command line, where the device sees it.
+struct DeviceFile {
+  std::string devicePath;
+  std::shared_ptr<const library::OutsideFile> outside;  ///< keeps the path of a file from elsewhere; or null
+};
+
+/// Gives a file a device path. Fails, with a sentence for people, for what is missing, unreadable, no file or
+/// empty, and for a name that is not UTF-8.
+library::Result<DeviceFile> reachFile(const std::string& file, library::OutsideFiles& outsideFiles);
+
+}  // namespace quaverly::commandline

@@ -1,0 +1,74 @@
+#include "Host/CommandLine/Commands.h"
+#include "Host/CommandLine/ImportSession.h"
+#include "Host/Environment/InterruptWatch.h"
+#include "Platform/StoreServices/SSDownloadManager.h"
+
+namespace quaverly::commandline {
+namespace {
+
+/// Stands behind the download manager while it lives.
+class ServiceRegistration {
+ public:
+  explicit ServiceRegistration(SSDownloadService& service) { SSDownloadManager::registerService(&service); }
+  ~ServiceRegistration() { SSDownloadManager::registerService(nullptr); }
+  ServiceRegistration(const ServiceRegistration&) = delete;
+  ServiceRegistration& operator=(const ServiceRegistration&) = delete;
+};
+
+ExitStatus statusOf(const ImportReport& report) {
+  return report.hasFailures() ? ExitStatus::failed : ExitStatus::done;
+}
+
+ExitStatus cannotBegin(const Console& console, const library::Failure& failure) {
+  console.problem("", failure.reason);
+  return ExitStatus::failed;
+}
+
+ExitStatus planAll(const ImportOptions& options, HostDevice& device, SongHandOver& handOver,
+                   Console& console) {
+  auto planner = library::DryRun::open(device.librarySettings());
+  if (!planner) return cannotBegin(console, planner.failure());
+  const ServiceRegistration registration(**planner);
+  ImportReport report(console);
+  for (const auto& file : options.files) {
+    if (const auto failure = handOver.handOver(file)) {
+      report.refused(file, failure->reason);
+    } else {
+      report.planned(file, (*planner)->outcomes().back());
+    }
+  }
+  return statusOf(report);
+}
+
+ExitStatus importAll(const ImportOptions& options, HostDevice& device, SongHandOver& handOver,
+                     Console& console) {
+  ImportSession* running = nullptr;
+  const host::InterruptWatch watch([&running] {
+    if (running) running->interrupt();
+  });
+  library::ImportServer server;
+  auto service = library::DownloadService::open(device.librarySettings(), device.outsideFiles(), server);
+  if (!service) return cannotBegin(console, service.failure());
+  const ServiceRegistration registration(**service);
+  ImportReport report(console);
+  ImportSession session(options.files, handOver, **service, report);
+  running = &session;
+  session.run();
+  report.summarise(device.librarySettings().libraryFolder);
+  return statusOf(report);
+}
+
+}  // namespace
+
+ExitStatus runImport(const CommonOptions& common, const ImportOptions& options) {
+  Console console(common.form(), common.loudness());
+  HostDevice device(common);
+  SongHandOver handOver(device, options, console);
+  if (const auto failure = handOver.prepareArtwork()) {
+    console.problem(*options.artwork, failure->reason);
+    return ExitStatus::failed;
+  }
+  return (options.dryRun ? planAll : importAll)(options, device, handOver, console);
+}
+
+}  // namespace quaverly::commandline

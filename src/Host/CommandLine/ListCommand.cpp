@@ -1,0 +1,86 @@
+#include <dirent.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "Controllers/ImportAudioController.h"
+#include "Host/CommandLine/Commands.h"
+#include "Host/CommandLine/HostDevice.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Foundation/NSString.h"
+
+namespace quaverly::commandline {
+namespace {
+
+/// A device path stays one; any other path is looked for under the media folder, on the host and then below
+/// it.
+std::string deviceFolder(const std::string& path, const HostDevice& device) {
+  const auto& mounts = Device::current().mounts;
+  if (path.starts_with('/')) {
+    if (mounts.resolve(path) || mounts.isOnTheWay(path)) return MountTable::canonical(path);
+    return library::mountedDevicePath(std::filesystem::path(path).lexically_normal()).value_or(path);
+  }
+  return MountTable::canonical(NSStringByAppendingPathComponent(device.mediaPath, path));
+}
+
+/// Why a device folder cannot be listed, or nothing.
+std::optional<std::string> problemWith(const std::string& folder) {
+  const auto& mounts = Device::current().mounts;
+  if (mounts.isOnTheWay(folder)) return std::nullopt;
+  const auto location = mounts.resolve(folder);
+  if (!location) return "There is no such folder on the device. Name one under the media folder.";
+  if (DIR* listing = opendir(location->hostPath.c_str())) {
+    closedir(listing);
+    return std::nullopt;
+  }
+  return std::string("It cannot be listed (") + std::strerror(errno) + ").";
+}
+
+JsonObject object(const FileItem& item) {
+  JsonObject json;
+  json["path"] = item.path().value_or("");
+  json["isDirectory"] = item.isDirectory();
+  json["isAudioFile"] = item.isAudioFile();
+  if (item.size()) json["size"] = *item.size();
+  if (item.date()) json["date"] = *item.date();
+  return json;
+}
+
+std::string line(const FileItem& item) {
+  const std::string name = NSStringLastPathComponent(item.path().value_or(""));
+  if (item.isDirectory()) return name + "/  " + item.date().value_or("");
+  const std::string kind = item.isAudioFile() ? "  (song)" : "";
+  return name + "  " + item.size().value_or("") + " " + item.date().value_or("") + kind;
+}
+
+void print(const Console& console, const ImportAudioController& browser, const std::vector<FileItem>& items) {
+  JsonObject json;
+  json["openedFolder"] = browser.openedFolder()->string();
+  json["backTitle"] = browser.temporaryBarButtonItem()->title().value_or("");
+  JsonObject list = JsonObject::array();
+  if (console.form() == Form::json) std::ranges::transform(items, std::back_inserter(list), object);
+  json["items"] = std::move(list);
+  console.object(json);
+  for (const auto& item : items) console.result(line(item));
+}
+
+}  // namespace
+
+ExitStatus runList(const CommonOptions& common, const std::string& path) {
+  const Console console(common.form(), common.loudness());
+  const HostDevice device(common);
+  const std::string folder = path.empty() ? device.mediaPath : deviceFolder(path, device);
+  auto browser = make<ImportAudioController>();
+  browser->init();
+  browser->loadView();
+  const auto items = path.empty() ? browser->fileItems() : browser->ItemsInFolder(folder);
+  print(console, *browser, items);
+  const auto problem = problemWith(folder);
+  if (problem) console.problem(path.empty() ? device.media().string() : path, *problem);
+  return problem ? ExitStatus::failed : ExitStatus::done;
+}
+
+}  // namespace quaverly::commandline

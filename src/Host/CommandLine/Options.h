@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Host/CommandLine/Console.h"
+
+namespace quaverly::commandline {
+
+/// What a command ends the program with.
+enum class ExitStatus { done = 0, failed = 1, usage = 2 };
+
+/// The options that all commands take.
+struct CommonOptions {
+  std::string media;
+  std::string library;
+  std::string data;
+  bool json = false;
+  bool quiet = false;
+  bool verbose = false;
+
+  Form form() const { return json ? Form::json : Form::text; }
+  Loudness loudness() const {
+    if (quiet) return Loudness::quiet;
+    return verbose ? Loudness::verbose : Loudness::normal;
+  }
+};
+
+struct ImportOptions {
+  std::vector<std::string> files;
+  std::optional<std::string> title;
+  std::optional<std::string> artist;
+  std::optional<std::string> album;
+  std::optional<std::string> year;
+  std::optional<std::string> track;
+  std::optional<std::string> artwork;
+  bool dryRun = false;
+};
+
+}  // namespace quaverly::commandline

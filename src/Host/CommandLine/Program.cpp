@@ -1,0 +1,123 @@
+#include "Host/CommandLine/Program.h"
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <functional>
+
+#include "Host/CommandLine/Commands.h"
+#include "Host/Environment/UserFolders.h"
+
+namespace quaverly::commandline {
+namespace {
+
+using Command = std::function<ExitStatus()>;
+
+CommonOptions defaultOptions() {
+  const auto folders = host::UserFolders::find();
+  CommonOptions options;
+  options.media = folders.downloads;
+  options.library = folders.music;
+  options.data = folders.data;
+  return options;
+}
+
+void addCommonOptions(CLI::App& app, CommonOptions& common) {
+  const char* group = "Options of every command";
+  app.add_option("--media", common.media, "The folder that songs come from")
+      ->capture_default_str()
+      ->group(group);
+  app.add_option("--library", common.library, "The music folder that songs are filed in")
+      ->capture_default_str()
+      ->group(group);
+  app.add_option("--data", common.data, "Where quaverly keeps its catalogue")
+      ->capture_default_str()
+      ->group(group);
+  app.add_flag("--json", common.json, "Print one JSON object per line and nothing else")->group(group);
+  auto* quiet = app.add_flag("--quiet", common.quiet, "Say only what went wrong")->group(group);
+  app.add_flag("--verbose", common.verbose, "Say more about what is done")->excludes(quiet)->group(group);
+}
+
+void addImport(CLI::App& app, const CommonOptions& common, ImportOptions& options, Command& chosen) {
+  auto* command = app.add_subcommand("import", "Put audio files into the music library");
+  command->add_option("FILE", options.files, "Files whose name ends in mp3, from anywhere")->required();
+  command->add_option("--title", options.title, "Use this title");
+  command->add_option("--artist", options.artist, "Use this artist");
+  command->add_option("--album", options.album, "Use this album");
+  command->add_option("--year", options.year, "Use this year");
+  command->add_option("--track", options.track, "Use this track number");
+  command->add_option("--artwork", options.artwork, "Use this JPEG or PNG picture as the cover");
+  command->add_flag("--dry-run", options.dryRun, "Print what would be done, and do nothing");
+  command->callback([&] { chosen = [&] { return runImport(common, options); }; });
+}
+
+void addList(CLI::App& app, const CommonOptions& common, std::string& path, Command& chosen) {
+  auto* command = app.add_subcommand("ls", "List a folder as the browser shows it");
+  command->add_option("PATH", path,
+                      "A device path, or one under the media folder; without it, the media folder");
+  command->callback([&] { chosen = [&] { return runList(common, path); }; });
+}
+
+void addInfo(CLI::App& app, const CommonOptions& common, std::string& file, Command& chosen) {
+  auto* command = app.add_subcommand("info", "Print what is read from a file's tags");
+  command->add_option("FILE", file, "An audio file, from anywhere")->required();
+  command->callback([&] { chosen = [&] { return runInfo(common, file); }; });
+}
+
+void addListings(CLI::App& app, const CommonOptions& common, Command& chosen) {
+  app.add_subcommand("library", "List the songs filed so far, newest first")->callback([&] {
+    chosen = [&] { return runLibrary(common); };
+  });
+  app.add_subcommand("downloads", "List what became of each import, newest first")->callback([&] {
+    chosen = [&] { return runDownloads(common); };
+  });
+}
+
+void describe(CLI::App& app) {
+  app.name("quaverly");
+  app.set_version_flag("--version", "quaverly " QUAVERLY_VERSION);
+  app.set_help_flag("-h,--help", "Print this help");
+  app.get_formatter()->column_width(30);
+  app.fallthrough();
+  app.require_subcommand(0, 1);
+  app.footer(
+      "Example: quaverly import ~/Downloads/*.mp3\n"
+      "Exit status: 0 all done, 1 something failed, 2 wrong usage.");
+}
+
+/// Runs what was chosen. What nobody foresaw ends the command with a line, not with a crash.
+int finish(const Command& command) {
+  try {
+    return static_cast<int>(command());
+  } catch (const std::exception& error) {
+    Console(Form::text, Loudness::normal).problem("", std::string("unexpected: ") + error.what());
+    return static_cast<int>(ExitStatus::failed);
+  }
+}
+
+}  // namespace
+
+int runProgram(int argumentCount, char** arguments) {
+  CommonOptions common = defaultOptions();
+  ImportOptions import;
+  std::string path;
+  std::string file;
+  Command chosen;
+
+  CLI::App app("Brings audio files into your music library, with the tags and the cover you want.");
+  describe(app);
+  addCommonOptions(app, common);
+  addImport(app, common, import, chosen);
+  addList(app, common, path, chosen);
+  addInfo(app, common, file, chosen);
+  addListings(app, common, chosen);
+  try {
+    app.parse(argumentCount, arguments);
+  } catch (const CLI::ParseError& error) {
+    return static_cast<int>(app.exit(error) == 0 ? ExitStatus::done : ExitStatus::usage);
+  }
+  if (chosen) return finish(chosen);
+  std::fputs(app.help().c_str(), stdout);
+  return static_cast<int>(ExitStatus::done);
+}
+
+}  // namespace quaverly::commandline

@@ -1,0 +1,115 @@
+#include "Host/CommandLine/SongHandOver.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+
+#include "Cores/QVImporter.h"
+#include "Platform/Foundation/NSString.h"
+#include "Platform/UIKit/UIImage.h"
+
+namespace quaverly::commandline {
+namespace {
+
+using library::Failure;
+using library::MaybeFailure;
+
+constexpr const char* importableEnding = "mp3";
+/// The name under which the editor stages a picture that a person picked.
+constexpr const char* pickedArtworkName = "current_album_image.png";
+
+Ref<ImportAudioController> makeBrowser() {
+  auto browser = make<ImportAudioController>();
+  browser->init();
+  return browser;
+}
+
+/// Whether the importer reads all of a text as the number that it looks like.
+bool isNumber(const std::string& text) {
+  return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+void replace(const std::optional<std::string>& edit, iTunesSongItem& song,
+             void (iTunesSongItem::*set)(iTunesSongItem::Text)) {
+  if (edit) (song.*set)(*edit);
+}
+
+Ref<QVImporter> importerFor(const iTunesSongItem& song, const std::string& devicePath) {
+  auto importer = make<QVImporter>();
+  importer->setTitle(song.title());
+  importer->setArtist(song.artist());
+  importer->setAlbum(song.album());
+  importer->setGenre(song.genre());
+  importer->setThumbnail(song.artworkMedium());
+  importer->setArtwork(song.artworkHigh());
+  importer->setIndexInCollection(song.indexInCollection());
+  importer->setReleaseYear(song.releaseYear());
+  if (QVImporter::systemTakesItemIdentifiers()) importer->setItemID(QVImporter::randomItemID());
+  if (auto url = NSURL::URLWithString(NSStringByAddingPercentEscapesForQuery(devicePath))) {
+    importer->setDownloadRequest(NSURLRequest(std::move(*url)));
+  }
+  return importer;
+}
+
+}  // namespace
+
+SongHandOver::SongHandOver(HostDevice& device, const ImportOptions& options, const Console& console)
+    : _device(device), _options(options), _console(console), _browser(makeBrowser()) {}
+
+MaybeFailure SongHandOver::prepareArtwork() {
+  if (!_options.artwork) return std::nullopt;
+  const int descriptor = open(_options.artwork->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (descriptor < 0) return Failure{"This picture cannot be read. Check its name and permissions."};
+  const auto file = NSData::dataWithDescriptor(descriptor);
+  const auto picture = file ? UIImage::imageWithData(*file) : nullptr;
+  if (picture) _artwork = UIImageJPEGRepresentation(*picture, 1.0);
+  if (!_artwork) return Failure{"This is no picture that can be used. Name a JPEG or a PNG file."};
+  return std::nullopt;
+}
+
+MaybeFailure SongHandOver::handOver(const std::string& file) {
+  if (!file.ends_with(importableEnding)) {
+    return Failure{"Only files whose name ends in \"mp3\" can be imported. Rename it if it is one."};
+  }
+  const auto reached = reachFile(file, _device.outsideFiles());
+  if (!reached) return reached.failure();
+  iTunesSongItem song = _browser->songItemFromPath(reached->devicePath);
+  edit(song);
+  remarkOnNumbers(file, song);
+  importerFor(song, reached->devicePath)->import();
+  return std::nullopt;
+}
+
+void SongHandOver::edit(iTunesSongItem& song) const {
+  replace(_options.title, song, &iTunesSongItem::setTitle);
+  replace(_options.artist, song, &iTunesSongItem::setArtist);
+  replace(_options.album, song, &iTunesSongItem::setAlbum);
+  replace(_options.year, song, &iTunesSongItem::setReleaseYear);
+  replace(_options.track, song, &iTunesSongItem::setIndexInCollection);
+  if (_artwork) stageArtwork(song);
+}
+
+// As the editor stages a picked picture; whether the write succeeds shows when the service copies the file.
+void SongHandOver::stageArtwork(iTunesSongItem& song) const {
+  const std::string path = _browser->quaverlyTempDirectory() + pickedArtworkName;
+  static_cast<void>(_artwork->writeToFileAtomically(path));
+  const std::string url = "file://localhost/private" + path;
+  song.setArtworkLow(url);
+  song.setArtworkMedium(url);
+  song.setArtworkHigh(url);
+}
+
+void SongHandOver::remarkOnNumbers(const std::string& file, const iTunesSongItem& song) const {
+  const auto remark = [&](const char* what, const std::optional<std::string>& text) {
+    if (!text || isNumber(*text)) return;
+    const int32_t value = NSStringIntValue(*text);
+    const std::string read = value == 0 ? "none" : std::to_string(value);
+    _console.remark(file, std::string("The ") + what + " \"" + *text + "\" is no number and is read as " +
+                              read + ". Give another with --" +
+                              (what == std::string("year") ? "year." : "track."));
+  };
+  remark("year", song.releaseYear());
+  remark("track number", song.indexInCollection());
+}
+
+}  // namespace quaverly::commandline
