@@ -35,8 +35,8 @@ class ImportAudioController : public PSViewController {
   /// unreadable file gives an empty record.
   iTunesSongItem songItemFromPath(const std::string& path);
 
-  /// Puts one item of a file's metadata into the record, over what is there; artwork is staged. Items that the
-  /// record has no field for are ignored.
+  /// Puts one item of a file's metadata into the record, over what is there; artwork is staged. Items that
+  /// the record has no field for are ignored.
   void readMetadataItemIntoSongItem(const AVMetadataItem& item, iTunesSongItem& song);
 
   /// The folder for staged artwork; made when it is not there, which is logged when it fails.
