@@ -56,14 +56,21 @@ TagLib::ByteVector vectorOf(const NSData& data) {
 }
 
 /// The picture that a reader shows for the song: the last front cover, or else the last.
-template <class List>
-const FlacPicture* shownPicture(const List& pictures) {
+const FlacPicture* shownPicture(const std::vector<FlacPicture*>& pictures) {
   const FlacPicture* shown = nullptr;
   for (const auto* picture : pictures) {
     const bool isFront = picture->type() == FlacPicture::FrontCover;
     if (isFront || !shown || shown->type() != FlacPicture::FrontCover) shown = picture;
   }
   return shown;
+}
+
+/// Only pointers: a copy of the list itself would delete the pictures as soon as the two lists differ.
+template <class Holder>
+std::vector<FlacPicture*> picturesOf(Holder& holder) {
+  std::vector<FlacPicture*> pictures;
+  for (auto* picture : holder.pictureList()) pictures.push_back(picture);
+  return pictures;
 }
 
 std::unique_ptr<FlacPicture> frontCover(const NSData& image) {
@@ -89,13 +96,18 @@ template <class Holder>
 void rewritePicturesOf(Holder& holder, const ArtworkChange& artwork) {
   if (artwork.kind == ArtworkKind::keep) return;
   if (artwork.kind == ArtworkKind::remove) return removePictures(holder);
-  const auto pictures = holder.pictureList();
+  const auto pictures = picturesOf(holder);
   const auto* shown = shownPicture(pictures);
   if (shown && isSamePicture(artwork.image, bytesOf(shown->data()))) return;
   for (auto* picture : pictures) {
     if (picture->type() == FlacPicture::FrontCover) holder.removePicture(picture);
   }
   holder.addPicture(frontCover(artwork.image).release());  // which owns it then
+}
+
+/// Asking a tag for an item that it has not would add an empty one.
+TagLib::MP4::Item itemIn(const TagLib::MP4::Tag& tag, const char* key) {
+  return tag.contains(key) ? tag.item(key) : TagLib::MP4::Item();
 }
 
 bool staysAsWritten(const TagLib::MP4::Item& item, const FieldNames& names, const std::string& wanted) {
@@ -116,7 +128,7 @@ void rewriteCovers(TagLib::MP4::Tag& tag, const ArtworkChange& artwork) {
   constexpr const char* key = "covr";
   if (artwork.kind == ArtworkKind::keep) return;
   if (artwork.kind == ArtworkKind::remove) return tag.removeItem(key);
-  const auto found = tag.item(key).toCoverArtList();
+  const auto found = itemIn(tag, key).toCoverArtList();
   if (!found.isEmpty() && isSamePicture(artwork.image, bytesOf(found.front().data()))) return;
   const bool isPNG = imageFormatOf(artwork.image.text()).threeLetters == "PNG";
   TagLib::MP4::CoverArtList covers;
@@ -150,7 +162,7 @@ void rewritePictures(TagLib::FLAC::File& file, const ArtworkChange& artwork) {
 
 void rewriteMP4Items(TagLib::MP4::Tag& tag, const TagChange& change) {
   for (const auto& names : fieldNames) {
-    const auto found = tag.item(names.mp4);
+    const auto found = itemIn(tag, names.mp4);
     const auto wanted = valueOf(change.wanted, names.field);
     if (found.isValid() ? !staysAsWritten(found, names, wanted) : !wanted.empty()) {
       tag.removeItem(names.mp4);

@@ -72,7 +72,7 @@ void addPictures(Pictures& pictures, File& file) {
 
 /// The covers of an MP4 file have no kind; the first is the front.
 void addPictures(Pictures& pictures, TagLib::MP4::File& file) {
-  if (!file.tag()) return;
+  if (!file.tag() || !file.tag()->contains("covr")) return;
   uint8_t kind = Picture::frontCover;
   for (const auto& cover : file.tag()->item("covr").toCoverArtList())
     addPicture(pictures, std::exchange(kind, 0), cover.data());
