@@ -63,10 +63,9 @@ std::string line(const DownloadRecord& download) {
 
 /// Prints a listing of the catalogue, an entry a line.
 template <class Record>
-ExitStatus list(const CommonOptions& common,
+ExitStatus list(const Console& console, const CommonOptions& common,
                 library::Result<std::vector<Record>> (library::Catalogue::*listing)(),
                 const char* emptiness) {
-  const Console console(common.form(), common.loudness());
   auto catalogue = library::Catalogue::open(common.data);
   const auto records = catalogue ? ((*catalogue).*listing)() : catalogue.failure();
   if (!records) {
@@ -83,12 +82,14 @@ ExitStatus list(const CommonOptions& common,
 
 }  // namespace
 
-ExitStatus runLibrary(const CommonOptions& common) {
-  return list(common, &library::Catalogue::songs, "No songs yet. File some with: quaverly import FILE...");
+ExitStatus runLibrary(const Console& console, const CommonOptions& common) {
+  return list(console, common, &library::Catalogue::songs,
+              "No songs yet. File some with: quaverly import FILE...");
 }
 
-ExitStatus runDownloads(const CommonOptions& common) {
-  return list(common, &library::Catalogue::downloads, "No imports yet. Begin with: quaverly import FILE...");
+ExitStatus runDownloads(const Console& console, const CommonOptions& common) {
+  return list(console, common, &library::Catalogue::downloads,
+              "No imports yet. Begin with: quaverly import FILE...");
 }
 
 }  // namespace quaverly::commandline

@@ -8,10 +8,10 @@
 // output and standard error, and answer what the program ends with.
 namespace quaverly::commandline {
 
-ExitStatus runImport(const CommonOptions& common, const ImportOptions& options);
-ExitStatus runList(const CommonOptions& common, const std::string& path);
-ExitStatus runInfo(const CommonOptions& common, const std::string& file);
-ExitStatus runLibrary(const CommonOptions& common);
-ExitStatus runDownloads(const CommonOptions& common);
+ExitStatus runImport(Console& console, const CommonOptions& common, const ImportOptions& options);
+ExitStatus runList(const Console& console, const CommonOptions& common, const std::string& path);
+ExitStatus runInfo(const Console& console, const CommonOptions& common, const std::string& file);
+ExitStatus runLibrary(const Console& console, const CommonOptions& common);
+ExitStatus runDownloads(const Console& console, const CommonOptions& common);
 
 }  // namespace quaverly::commandline

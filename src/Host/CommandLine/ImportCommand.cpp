@@ -60,8 +60,7 @@ ExitStatus importAll(const ImportOptions& options, HostDevice& device, SongHandO
 
 }  // namespace
 
-ExitStatus runImport(const CommonOptions& common, const ImportOptions& options) {
-  Console console(common.form(), common.loudness());
+ExitStatus runImport(Console& console, const CommonOptions& common, const ImportOptions& options) {
   HostDevice device(common);
   SongHandOver handOver(device, options, console);
   if (const auto failure = handOver.prepareArtwork()) {

@@ -41,18 +41,6 @@ JsonObject tagsObject(const library::SongTags& tags) {
   return json;
 }
 
-const char* artworkText(library::ArtworkChange::Kind kind) {
-  switch (kind) {
-    case library::ArtworkChange::Kind::keep:
-      return "keep";
-    case library::ArtworkChange::Kind::remove:
-      return "none";
-    case library::ArtworkChange::Kind::replace:
-      return "new";
-  }
-  return "";
-}
-
 std::string tagsText(const library::SongTags& tags) {
   std::string text;
   const auto add = [&](const char* name, const std::string& value) {
@@ -72,6 +60,10 @@ std::string count(int number, const char* one, const char* many) {
 }
 
 }  // namespace
+
+void ImportReport::started(const std::string& file) {
+  _console.detail("Importing " + file);
+}
 
 void ImportReport::progressed(const std::string& file, const library::DownloadProgress& progress) {
   const std::string name = NSStringLastPathComponent(file);
@@ -109,7 +101,7 @@ void ImportReport::planned(const std::string& file, const library::DryRun::Outco
   _console.news(file + (plan.duplicateOf ? " is in the library already: " : " would become ") + path);
   if (!plan.duplicateOf) {
     _console.news("  tags now:   " + tagsText(plan.before));
-    _console.news("  tags then:  " + tagsText(plan.after) + "; cover: " + artworkText(plan.artwork));
+    _console.news("  tags then:  " + tagsText(plan.after));
     if (plan.namesake) _console.news("  another song has the name already: " + *plan.namesake);
   }
   JsonObject json = object(file, plan.duplicateOf ? "duplicate" : "planned");
@@ -117,7 +109,6 @@ void ImportReport::planned(const std::string& file, const library::DryRun::Outco
   json["bytes"] = outcome.record.bytes;
   json["before"] = tagsObject(plan.before);
   json["after"] = tagsObject(plan.after);
-  json["artwork"] = artworkText(plan.artwork);
   if (plan.namesake) json["namesake"] = *plan.namesake;
   _console.object(json);
 }

@@ -15,6 +15,7 @@ class ImportReport {
  public:
   explicit ImportReport(Console& console) : _console(console) {}
 
+  void started(const std::string& file);
   void progressed(const std::string& file, const library::DownloadProgress& progress);
   void ended(const std::string& file, const library::DownloadRecord& record);
   void planned(const std::string& file, const library::DryRun::Outcome& outcome);

@@ -77,6 +77,10 @@ void ImportSession::downloadAdded(const DownloadRecord& record) {
   _pending.emplace(record.id, record.sourcePath);
 }
 
+void ImportSession::downloadStarted(const DownloadRecord& record) {
+  _report.started(nameOf(record));
+}
+
 void ImportSession::downloadProgressed(library::DownloadID id, const library::DownloadProgress& progress) {
   const auto found = _pending.find(id);
   if (found != _pending.end()) _report.progressed(found->second, progress);

@@ -26,6 +26,7 @@ class ImportSession : public library::DownloadObserver {
   void interrupt();
 
   void downloadAdded(const library::DownloadRecord& record) override;
+  void downloadStarted(const library::DownloadRecord& record) override;
   void downloadProgressed(library::DownloadID id, const library::DownloadProgress& progress) override;
   void downloadEnded(const library::DownloadRecord& record) override;
   void serviceWaits(const std::string& why) override;

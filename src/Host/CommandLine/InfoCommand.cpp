@@ -41,8 +41,7 @@ void print(const Console& console, const iTunesSongItem& song) {
 
 }  // namespace
 
-ExitStatus runInfo(const CommonOptions& common, const std::string& file) {
-  const Console console(common.form(), common.loudness());
+ExitStatus runInfo(const Console& console, const CommonOptions& common, const std::string& file) {
   HostDevice device(common);
   const auto reached = reachFile(file, device.outsideFiles());
   if (!reached) {

@@ -36,7 +36,8 @@ std::optional<std::string> problemWith(const std::string& folder) {
     closedir(listing);
     return std::nullopt;
   }
-  return std::string("It cannot be listed (") + std::strerror(errno) + ").";
+  return std::string("It cannot be listed (") + std::strerror(errno) +
+         "). Name another folder, or another --media.";
 }
 
 JsonObject object(const FileItem& item) {
@@ -69,8 +70,7 @@ void print(const Console& console, const ImportAudioController& browser, const s
 
 }  // namespace
 
-ExitStatus runList(const CommonOptions& common, const std::string& path) {
-  const Console console(common.form(), common.loudness());
+ExitStatus runList(const Console& console, const CommonOptions& common, const std::string& path) {
   const HostDevice device(common);
   const std::string folder = path.empty() ? device.mediaPath : deviceFolder(path, device);
   auto browser = make<ImportAudioController>();

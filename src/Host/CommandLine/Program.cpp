@@ -6,11 +6,13 @@
 
 #include "Host/CommandLine/Commands.h"
 #include "Host/Environment/UserFolders.h"
+#include "Platform/Foundation/NSLog.h"
+#include "Platform/Foundation/NSString.h"
 
 namespace quaverly::commandline {
 namespace {
 
-using Command = std::function<ExitStatus()>;
+using Command = std::function<ExitStatus(Console&)>;
 
 CommonOptions defaultOptions() {
   const auto folders = host::UserFolders::find();
@@ -24,12 +26,15 @@ CommonOptions defaultOptions() {
 void addCommonOptions(CLI::App& app, CommonOptions& common) {
   const char* group = "Options of every command";
   app.add_option("--media", common.media, "The folder that songs come from")
+      ->type_name("DIR")
       ->capture_default_str()
       ->group(group);
   app.add_option("--library", common.library, "The music folder that songs are filed in")
+      ->type_name("DIR")
       ->capture_default_str()
       ->group(group);
   app.add_option("--data", common.data, "Where quaverly keeps its catalogue")
+      ->type_name("DIR")
       ->capture_default_str()
       ->group(group);
   app.add_flag("--json", common.json, "Print one JSON object per line and nothing else")->group(group);
@@ -37,38 +42,48 @@ void addCommonOptions(CLI::App& app, CommonOptions& common) {
   app.add_flag("--verbose", common.verbose, "Say more about what is done")->excludes(quiet)->group(group);
 }
 
+void addText(CLI::App& command, const char* name, std::optional<std::string>& text, const char* meaning) {
+  command.add_option(name, text, meaning)->type_name("TEXT")->check([](const std::string& value) {
+    return NSStringIsUTF8(value) ? std::string() : "is not UTF-8";
+  });
+}
+
 void addImport(CLI::App& app, const CommonOptions& common, ImportOptions& options, Command& chosen) {
   auto* command = app.add_subcommand("import", "Put audio files into the music library");
-  command->add_option("FILE", options.files, "Files whose name ends in mp3, from anywhere")->required();
-  command->add_option("--title", options.title, "Use this title");
-  command->add_option("--artist", options.artist, "Use this artist");
-  command->add_option("--album", options.album, "Use this album");
-  command->add_option("--year", options.year, "Use this year");
-  command->add_option("--track", options.track, "Use this track number");
-  command->add_option("--artwork", options.artwork, "Use this JPEG or PNG picture as the cover");
+  command->add_option("FILE", options.files, "Files whose name ends in mp3, from anywhere")
+      ->required()
+      ->type_name("");
+  addText(*command, "--title", options.title, "Use this title");
+  addText(*command, "--artist", options.artist, "Use this artist");
+  addText(*command, "--album", options.album, "Use this album");
+  addText(*command, "--year", options.year, "Use this year");
+  addText(*command, "--track", options.track, "Use this track number");
+  command->add_option("--artwork", options.artwork, "Use this JPEG or PNG picture as the cover")
+      ->type_name("IMAGE");
   command->add_flag("--dry-run", options.dryRun, "Print what would be done, and do nothing");
-  command->callback([&] { chosen = [&] { return runImport(common, options); }; });
+  command->callback([&] { chosen = [&](Console& console) { return runImport(console, common, options); }; });
 }
 
 void addList(CLI::App& app, const CommonOptions& common, std::string& path, Command& chosen) {
   auto* command = app.add_subcommand("ls", "List a folder as the browser shows it");
-  command->add_option("PATH", path,
-                      "A device path, or one under the media folder; without it, the media folder");
-  command->callback([&] { chosen = [&] { return runList(common, path); }; });
+  command
+      ->add_option("PATH", path, "A device path, or one under the media folder; without it, the media folder")
+      ->type_name("");
+  command->callback([&] { chosen = [&](Console& console) { return runList(console, common, path); }; });
 }
 
 void addInfo(CLI::App& app, const CommonOptions& common, std::string& file, Command& chosen) {
   auto* command = app.add_subcommand("info", "Print what is read from a file's tags");
-  command->add_option("FILE", file, "An audio file, from anywhere")->required();
-  command->callback([&] { chosen = [&] { return runInfo(common, file); }; });
+  command->add_option("FILE", file, "An audio file, from anywhere")->required()->type_name("");
+  command->callback([&] { chosen = [&](Console& console) { return runInfo(console, common, file); }; });
 }
 
 void addListings(CLI::App& app, const CommonOptions& common, Command& chosen) {
   app.add_subcommand("library", "List the songs filed so far, newest first")->callback([&] {
-    chosen = [&] { return runLibrary(common); };
+    chosen = [&](Console& console) { return runLibrary(console, common); };
   });
   app.add_subcommand("downloads", "List what became of each import, newest first")->callback([&] {
-    chosen = [&] { return runDownloads(common); };
+    chosen = [&](Console& console) { return runDownloads(console, common); };
   });
 }
 
@@ -85,11 +100,13 @@ void describe(CLI::App& app) {
 }
 
 /// Runs what was chosen. What nobody foresaw ends the command with a line, not with a crash.
-int finish(const Command& command) {
+int run(const Command& command, const CommonOptions& common) {
+  Console console(common.form(), common.loudness());
+  setLogSink([&console](std::string_view line) { console.detail(line); });
   try {
-    return static_cast<int>(command());
+    return static_cast<int>(command(console));
   } catch (const std::exception& error) {
-    Console(Form::text, Loudness::normal).problem("", std::string("unexpected: ") + error.what());
+    console.problem("", std::string("unexpected: ") + error.what());
     return static_cast<int>(ExitStatus::failed);
   }
 }
@@ -115,7 +132,7 @@ int runProgram(int argumentCount, char** arguments) {
   } catch (const CLI::ParseError& error) {
     return static_cast<int>(app.exit(error) == 0 ? ExitStatus::done : ExitStatus::usage);
   }
-  if (chosen) return finish(chosen);
+  if (chosen) return run(chosen, common);
   std::fputs(app.help().c_str(), stdout);
   return static_cast<int>(ExitStatus::done);
 }

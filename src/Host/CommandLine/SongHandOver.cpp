@@ -68,11 +68,11 @@ MaybeFailure SongHandOver::prepareArtwork() {
 }
 
 MaybeFailure SongHandOver::handOver(const std::string& file) {
+  const auto reached = reachFile(file, _device.outsideFiles());
+  if (!reached) return reached.failure();
   if (!file.ends_with(importableEnding)) {
     return Failure{"Only files whose name ends in \"mp3\" can be imported. Rename it if it is one."};
   }
-  const auto reached = reachFile(file, _device.outsideFiles());
-  if (!reached) return reached.failure();
   iTunesSongItem song = _browser->songItemFromPath(reached->devicePath);
   edit(song);
   remarkOnNumbers(file, song);
