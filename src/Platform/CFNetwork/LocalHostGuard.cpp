@@ -18,32 +18,28 @@ bool isNameCharacter(char c) {
   return (lowerCase >= 'a' && lowerCase <= 'z') || isDigit(c) || c == '-' || c == '_';
 }
 
-/// The host without brackets and port; nothing when it is not written as one.
-std::optional<std::string> withoutPort(std::string_view host) {
-  const size_t bracket = host.starts_with('[') ? host.find(']') : 0;
-  if (bracket == std::string_view::npos) return std::nullopt;
-  const size_t end = std::min(host.find(':', bracket), host.size());
+/// What stands before the port, with its brackets; nothing when what follows is no port.
+std::optional<std::string_view> withoutPort(std::string_view host) {
+  const size_t nameEnd = host.starts_with('[') ? host.find(']') : 0;
+  const size_t end = std::min(host.find(':', std::min(nameEnd, host.size())), host.size());
   const auto port = host.substr(std::min(end + 1, host.size()));
-  if (!std::ranges::all_of(port, isDigit)) return std::nullopt;
-  if (bracket == 0) return std::string(host.substr(0, end));
-  if (end != bracket + 1) return std::nullopt;
-  return std::string(host.substr(1, bracket - 1));
+  return std::ranges::all_of(port, isDigit) ? std::optional(host.substr(0, end)) : std::nullopt;
+}
+
+bool isNameThisMachine(std::string_view name) {
+  if (!std::ranges::all_of(name, [](char c) { return isNameCharacter(c) || c == '.'; })) return false;
+  const auto kind = kindOfAddress(std::string(name));
+  if (kind != AddressKind::none) return kind == AddressKind::thisMachine;
+  return !name.empty() && name.find('.') == std::string_view::npos;
 }
 
 }  // namespace
 
 bool isHostThisMachine(std::string_view text) {
   const auto host = withoutPort(text);
-  if (!host) return false;
-  switch (kindOfAddress(*host)) {
-    case AddressKind::thisMachine:
-      return true;
-    case AddressKind::foreign:
-      return false;
-    case AddressKind::none:
-      break;
-  }
-  return !host->empty() && std::ranges::all_of(*host, isNameCharacter);
+  if (!host || !host->starts_with('[')) return host && isNameThisMachine(*host);
+  const auto address = host->substr(1, host->size() - std::min<size_t>(2, host->size()));
+  return host->ends_with(']') && kindOfAddress(std::string(address)) == AddressKind::thisMachine;
 }
 
 }  // namespace quaverly
