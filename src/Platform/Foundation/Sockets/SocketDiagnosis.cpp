@@ -63,9 +63,11 @@ class Answer {
       return error == -ENOENT ? SocketDiagnosis::notFound : SocketDiagnosis::unavailable;
     }
     const auto found = part<inet_diag_msg>(sizeof(nlmsghdr));
+    // An IPv6 socket with an IPv4 address has it in its last quarter.
+    const auto destination = found.id.idiag_dst[found.idiag_family == AF_INET6 ? 3 : 0];
     // The kernel also offers whoever listens on the port; only the connection itself counts.
-    const bool isConnection = found.idiag_state != listening && found.id.idiag_dport == peer.port &&
-                              found.id.idiag_dst[0] == peer.address;
+    const bool isConnection =
+        found.idiag_state != listening && found.id.idiag_dport == peer.port && destination == peer.address;
     if (!isConnection) return SocketDiagnosis::notFound;
     owner = {found.idiag_uid, found.idiag_inode};
     return SocketDiagnosis::found;
