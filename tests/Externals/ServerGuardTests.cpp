@@ -4,11 +4,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <cstdlib>
-
 #include "Externals/HTTPServer/HTTPServer.h"
 #include "Platform/Foundation/NSRunLoop.h"
 #include "Support/ChildProcess.h"
+#include "Support/Command.h"
 #include "Support/NetworkNamespace.h"
 #include "Support/SocketClient.h"
 #include "Support/TestDevice.h"
@@ -73,10 +72,6 @@ class ConnectionCounter : public NSObject {
   int connections = 0;
 };
 
-void run(const std::string& command) {
-  if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
-}
-
 TEST_F(ServerGuardTest, AnswersAProgramOfTheSameUser) {
   test::Signal start;
   test::ChildProcess child([&] {
@@ -96,7 +91,7 @@ TEST_F(ServerGuardTest, TurnsAProgramOfAnotherUserAway) {
 TEST_F(ServerGuardTest, AnotherUsersServerAnswersRootAndItselfAndNobodyElse) {
   ASSERT_EQ(::geteuid(), 0U) << "only root can be somebody else";
   constexpr uid_t owner = 65534, stranger = 65533;
-  run("chmod 755 " + device.media().path().string());
+  test::run("chmod 755 " + device.media().path().string());
   test::Signal listening, startStranger, startOwner;
   test::ChildProcess server([&] {
     if (::setresgid(owner, owner, owner) != 0 || ::setresuid(owner, owner, owner) != 0) return 1;
@@ -122,12 +117,12 @@ TEST_F(ServerGuardTest, TurnsAnotherMachineAwayAndAnswersThisOneUnderAnyOfItsAdd
     if (::unshare(CLONE_NEWNET) != 0) return 1;
     hasNetwork.give();
     isConnected.await();
-    run("ip addr add 10.209.0.2/24 dev neighbour && ip link set neighbour up");
+    test::run("ip addr add 10.209.0.2/24 dev neighbour && ip link set neighbour up");
     return askFrom("10.209.0.1");
   });
   hasNetwork.await();
-  run("ip link add ours type veth peer name neighbour netns " + std::to_string(neighbour.id()));
-  run("ip addr add 10.209.0.1/24 dev ours && ip link set ours up");
+  test::run("ip link add ours type veth peer name neighbour netns " + std::to_string(neighbour.id()));
+  test::run("ip addr add 10.209.0.1/24 dev ours && ip link set ours up");
   EXPECT_EQ(serve(neighbour, isConnected), turnedAway);
 
   test::SocketClient client("10.209.0.1");
