@@ -84,6 +84,7 @@ void DownloadWorker::runWith(Catalogue& catalogue, const std::stop_token& stop) 
     if (!_turn) waitForTurn(catalogue, stop);
     if (id && !stop.stop_requested()) work(*id, catalogue, filer, stop);
   }
+  if (_turn) PartFile::removeAbandoned(_settings.libraryFolder);
 }
 
 void DownloadWorker::refuseAll(const Failure& failure, const std::stop_token& stop) {

@@ -24,9 +24,19 @@ int moveByLink(const std::string& from, const std::string& to) {
   return 0;
 }
 
+/// Waits for the turn, which whoever holds the result has. Its file goes like any abandoned part file, so it
+/// counts only while its name leads to it.
+FileDescriptor turnIn(const std::string& folder) {
+  for (;;) {
+    FileDescriptor turn(open((folder + "/turn.part").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    struct stat attributes {};
+    if (!turn || flock(turn.get(), LOCK_EX) != 0) return turn;
+    if (fstat(turn.get(), &attributes) != 0 || attributes.st_nlink > 0) return turn;
+  }
+}
+
 int moveInTurn(const std::string& from, const std::string& to, const std::string& turnsFolder) {
-  const FileDescriptor turn(open((turnsFolder + "/turn").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
-  if (turn) flock(turn.get(), LOCK_EX);
+  const auto turn = turnIn(turnsFolder);
   struct stat attributes {};
   if (lstat(to.c_str(), &attributes) == 0) return EEXIST;
   if (errno != ENOENT) return errno;
