@@ -49,6 +49,7 @@ std::vector<FileItem> ImportAudioController::ItemsInFolder(std::string folder) {
   std::vector<FileItem> items;
   const auto contents = NSFileManager::defaultManager().contentsOfDirectoryAtPath(folder);
   if (!contents) return items;
+  items.reserve(contents->size());
   for (const auto name : *contents)
     items.push_back(itemAtPath(NSStringByAppendingPathComponent(folder, name)));
   return items;

@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "Platform/Foundation/StringTable.h"
+#include "Platform/Foundation/StringTables/StringTable.h"
 #include "Support/TestDevice.h"
 
 namespace quaverly {

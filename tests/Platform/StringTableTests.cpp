@@ -1,4 +1,4 @@
-#include "Platform/Foundation/StringTable.h"
+#include "Platform/Foundation/StringTables/StringTable.h"
 
 #include <gtest/gtest.h>
 #include <plist/plist.h>

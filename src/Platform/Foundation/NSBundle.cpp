@@ -5,7 +5,7 @@
 #include "Platform/Foundation/NSFileManager.h"
 #include "Platform/Foundation/NSFramework.h"
 #include "Platform/Foundation/NSString.h"
-#include "Platform/Foundation/StringTable.h"
+#include "Platform/Foundation/StringTables/StringTable.h"
 
 namespace quaverly {
 namespace {

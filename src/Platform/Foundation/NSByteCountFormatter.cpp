@@ -1,7 +1,7 @@
 #include "Platform/Foundation/NSByteCountFormatter.h"
 
 #include "Platform/Device/Device.h"
-#include "Platform/Foundation/LocaleWords.h"
+#include "Platform/Foundation/Formatting/LocaleWords.h"
 
 namespace quaverly {
 namespace {

@@ -4,36 +4,41 @@
 #include <memory>
 
 #include "Platform/Device/Device.h"
-#include "Platform/Foundation/DateFormat.h"
+#include "Platform/Foundation/Formatting/DateFormat.h"
+#include "Platform/Foundation/Formatting/PreparedOnce.h"
 #include "Platform/Foundation/NSTimeZone.h"
-#include "Platform/Foundation/PreparedOnce.h"
 
 namespace quaverly {
 
 /// A pattern in a locale and a zone.
 struct NSDateFormatter::Prepared {
   struct Key {
-    std::string pattern;
-    std::string locale;
-    std::string zone;
+    std::string_view pattern;
+    std::string_view locale;
+    std::string_view zone;
     auto operator<=>(const Key&) const = default;
   };
 
+  explicit Prepared(const Key& key)
+      : pattern(key.pattern),
+        locale(key.locale),
+        zoneName(key.zone),
+        zone(NSTimeZone::timeZoneWithName(zoneName)),
+        format(DateFormat::prepare(pattern, locale)) {}
+
+  Key key() const { return {pattern, locale, zoneName}; }
+
+  std::string pattern;
+  std::string locale;
+  std::string zoneName;
   NSTimeZone zone;
   std::unique_ptr<const DateFormat> format;
-
-  static const Prepared& with(const Key& key) {
-    static PreparedOnce<Key, Prepared> known;
-    return known.get(key, [](const Key& made) {
-      return Prepared{NSTimeZone::timeZoneWithName(made.zone),
-                      DateFormat::prepare(made.pattern, made.locale)};
-    });
-  }
 };
 
 void NSDateFormatter::setDateFormat(std::string_view pattern) {
+  static PreparedOnce<Prepared, Prepared::Key> known;
   const auto& device = Device::current();
-  _prepared = &Prepared::with({std::string(pattern), device.localeIdentifier, device.timeZoneName});
+  _prepared = &known.get({pattern, device.localeIdentifier, device.timeZoneName});
 }
 
 std::optional<std::string> NSDateFormatter::stringFromDate(

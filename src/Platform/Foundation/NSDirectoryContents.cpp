@@ -26,4 +26,8 @@ NSDirectoryContents::Iterator NSDirectoryContents::end() const {
   return Iterator(_folder->names().data() + _folder->names().size());
 }
 
+size_t NSDirectoryContents::size() const {
+  return _folder->count();
+}
+
 }  // namespace quaverly

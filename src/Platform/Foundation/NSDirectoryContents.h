@@ -10,7 +10,7 @@ namespace quaverly {
 class OpenFolder;
 
 /// The names in a folder, in the file system's order. Keeps the folder open for questions about its entries;
-/// the names are bytes and live as long as the contents.
+/// the names are bytes and live as long as the contents. Belongs to the thread that asked for it.
 class NSDirectoryContents {
  public:
   class Iterator {
@@ -32,6 +32,7 @@ class NSDirectoryContents {
 
   Iterator begin() const;
   Iterator end() const;
+  size_t size() const;
 
  private:
   std::shared_ptr<const OpenFolder> _folder;

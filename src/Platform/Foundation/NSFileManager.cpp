@@ -115,7 +115,7 @@ bool NSFileManager::fileExistsAtPath(std::string_view path) const {
 }
 
 bool NSFileManager::fileExistsAtPathIsDirectory(std::string_view path, bool& isDirectory) const {
-  const auto folder = OpenFolder::holding(path);
+  auto* folder = OpenFolder::holding(path);
   const FileLook look = folder ? folder->look(path) : lookAfresh(path);
   isDirectory = look.isDirectory;
   return look.exists;
@@ -128,7 +128,7 @@ bool NSFileManager::isReadableFileAtPath(std::string_view path) const {
 }
 
 std::optional<NSFileAttributes> NSFileManager::attributesOfItemAtPath(std::string_view path) const {
-  if (const auto folder = OpenFolder::holding(path)) return folder->takeAttributes(path);
+  if (auto* folder = OpenFolder::holding(path)) return folder->takeAttributes(path);
   return lookAfresh(path).attributes;
 }
 

@@ -11,7 +11,14 @@
 namespace quaverly {
 namespace {
 
-thread_local std::weak_ptr<OpenFolder> lastOpened;
+/// What a thread opened last. The weak reference only tells whether it is still there: locking it would cost
+/// more than the rest of a question.
+struct LastOpened {
+  std::weak_ptr<OpenFolder> kept;
+  OpenFolder* folder = nullptr;
+};
+
+thread_local LastOpened lastOpened;
 
 NSFileAttributes attributesFrom(const struct stat& status) {
   const std::chrono::seconds sinceEpoch(status.st_mtim.tv_sec);
@@ -73,13 +80,13 @@ std::shared_ptr<OpenFolder> OpenFolder::open(std::string_view path, const std::s
   folder->_prefix = path;
   if (!folder->_prefix.ends_with('/')) folder->_prefix += '/';
   folder->_mountedNames = std::move(mountedNames);
-  lastOpened = folder;
+  lastOpened = {folder, folder.get()};
   return folder;
 }
 
 std::shared_ptr<OpenFolder> OpenFolder::onTheWay(const std::vector<std::string>& names) {
   std::shared_ptr<OpenFolder> folder(new OpenFolder);
-  for (const auto& name : names) folder->_names.append(name).push_back('\0');
+  for (const auto& name : names) folder->addName(name);
   return folder;
 }
 
@@ -87,14 +94,19 @@ std::error_code OpenFolder::readNames() {
   errno = 0;
   while (const dirent* entry = readdir(_stream->directory())) {
     const std::string_view name = entry->d_name;
-    if (!isDotOrDotDot(name)) _names.append(name).push_back('\0');
+    if (!isDotOrDotDot(name)) addName(name);
   }
   return lastError();
 }
 
-std::shared_ptr<OpenFolder> OpenFolder::holding(std::string_view path) {
-  auto folder = lastOpened.lock();
-  return folder && folder->holds(path) ? folder : nullptr;
+void OpenFolder::addName(std::string_view name) {
+  _names.append(name).push_back('\0');
+  ++_count;
+}
+
+OpenFolder* OpenFolder::holding(std::string_view path) {
+  const bool isKept = !lastOpened.kept.expired();
+  return isKept && lastOpened.folder->holds(path) ? lastOpened.folder : nullptr;
 }
 
 bool OpenFolder::holds(std::string_view path) const {

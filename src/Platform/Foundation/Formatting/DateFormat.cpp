@@ -1,14 +1,15 @@
-#include "Platform/Foundation/DateFormat.h"
+#include "Platform/Foundation/Formatting/DateFormat.h"
 
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
 
+#include <array>
 #include <mutex>
 #include <optional>
 #include <utility>
 #include <vector>
 
-#include "Platform/Foundation/LocaleWords.h"
+#include "Platform/Foundation/Formatting/LocaleWords.h"
 
 namespace quaverly {
 namespace {
@@ -82,15 +83,18 @@ class GregorianDateFormat : public DateFormat {
  public:
   GregorianDateFormat(std::vector<Piece> pieces, const LocaleWords& words,
                       std::unique_ptr<const DateFormat> otherwise)
-      : _pieces(std::move(pieces)), _words(words), _otherwise(std::move(otherwise)) {}
+      : _pieces(std::move(pieces)),
+        _words(words),
+        _twoDigits(numbersOfTwo(words.digits)),
+        _otherwise(std::move(otherwise)) {}
 
   std::string string(local_seconds date) const override {
     const auto day = std::chrono::floor<std::chrono::days>(date);
     if (day < firstDay || day > lastDay) return _otherwise->string(date);
     const std::chrono::year_month_day calendar(day);
     const std::chrono::hh_mm_ss time(date - day);
-    std::string text;
-    text.reserve(32);
+    thread_local std::string text;  // grows once; what is returned is no larger than it must be
+    text.clear();
     for (const auto& piece : _pieces) append(text, piece, calendar, time);
     return text;
   }
@@ -129,23 +133,28 @@ class GregorianDateFormat : public DateFormat {
     }
   }
 
-  void appendTwoDigits(std::string& text, unsigned number) const {
-    text.append(_words.digits[number / 10]).append(_words.digits[number % 10]);
-  }
+  void appendTwoDigits(std::string& text, size_t number) const { text += _twoDigits[number]; }
 
-  void appendYear(std::string& text, unsigned year) const {
+  void appendYear(std::string& text, size_t year) const {
     appendTwoDigits(text, year / 100);
     appendTwoDigits(text, year % 100);
   }
 
   void appendHour(std::string& text, std::chrono::hours hour) const {
     const auto number = static_cast<size_t>(hour.count());
-    if (number >= 10) text += _words.digits[number / 10];
-    text += _words.digits[number % 10];
+    text += number < 10 ? _words.digits[number] : _twoDigits[number];
+  }
+
+  static std::array<std::string, 100> numbersOfTwo(const std::array<std::string, 10>& digits) {
+    std::array<std::string, 100> numbers;
+    for (size_t number = 0; number < numbers.size(); ++number)
+      numbers[number] = digits[number / 10] + digits[number % 10];
+    return numbers;
   }
 
   std::vector<Piece> _pieces;
   const LocaleWords& _words;
+  std::array<std::string, 100> _twoDigits;
   std::unique_ptr<const DateFormat> _otherwise;
 };
 

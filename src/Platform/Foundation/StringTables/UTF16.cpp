@@ -1,4 +1,4 @@
-#include "Platform/Foundation/UTF16.h"
+#include "Platform/Foundation/StringTables/UTF16.h"
 
 #include <unicode/unistr.h>
 

@@ -1,4 +1,4 @@
-#include "Platform/Foundation/StringTableParser.h"
+#include "Platform/Foundation/StringTables/StringTableParser.h"
 
 #include <unicode/unistr.h>
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 
 namespace quaverly {
 
@@ -17,6 +18,6 @@ struct LocaleWords {
 
 /// The words of a locale by its identifier; an unknown one has those of its language, or of none in
 /// particular. Prepared once and kept. Any thread.
-const LocaleWords& localeWords(const std::string& identifier);
+const LocaleWords& localeWords(std::string_view identifier);
 
 }  // namespace quaverly

@@ -1,4 +1,4 @@
-#include "Platform/Foundation/PropertyListTexts.h"
+#include "Platform/Foundation/StringTables/PropertyListTexts.h"
 
 #include <plist/plist.h>
 

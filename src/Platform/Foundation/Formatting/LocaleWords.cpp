@@ -1,4 +1,4 @@
-#include "Platform/Foundation/LocaleWords.h"
+#include "Platform/Foundation/Formatting/LocaleWords.h"
 
 #include <unicode/calendar.h>
 #include <unicode/dcfmtsym.h>
@@ -8,7 +8,7 @@
 #include <memory>
 #include <string_view>
 
-#include "Platform/Foundation/PreparedOnce.h"
+#include "Platform/Foundation/Formatting/PreparedOnce.h"
 
 namespace quaverly {
 namespace {
@@ -45,20 +45,24 @@ void readTimesOfDay(const icu::Locale& locale, LocaleWords& words) {
   words.afterNoon = utf8(names[1]);
 }
 
-LocaleWords readWords(const std::string& identifier) {
-  const icu::Locale locale(identifier.c_str());
+struct PreparedWords {
+  explicit PreparedWords(std::string_view name) : identifier(name) {
+    const icu::Locale locale(identifier.c_str());
+    readNumbers(locale, words);
+    readTimesOfDay(locale, words);
+    words.hasGregorianDates = countsInGregorianDates(locale);
+  }
+  std::string_view key() const { return identifier; }
+
+  std::string identifier;
   LocaleWords words;
-  readNumbers(locale, words);
-  readTimesOfDay(locale, words);
-  words.hasGregorianDates = countsInGregorianDates(locale);
-  return words;
-}
+};
 
 }  // namespace
 
-const LocaleWords& localeWords(const std::string& identifier) {
-  static PreparedOnce<std::string, LocaleWords> known;
-  return known.get(identifier, readWords);
+const LocaleWords& localeWords(std::string_view identifier) {
+  static PreparedOnce<PreparedWords, std::string_view> known;
+  return known.get(identifier).words;
 }
 
 }  // namespace quaverly

@@ -1,8 +1,8 @@
 #include <cstdint>
 #include <string>
 
-#include "Platform/Foundation/PropertyListTexts.h"
-#include "Platform/Foundation/UTF16.h"
+#include "Platform/Foundation/StringTables/PropertyListTexts.h"
+#include "Platform/Foundation/StringTables/UTF16.h"
 
 // By hand, because the library makes a copy of a text for every reference to it: a small file with many
 // references to one long text would grow to gigabytes.

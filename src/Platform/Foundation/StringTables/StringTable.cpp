@@ -1,11 +1,11 @@
-#include "Platform/Foundation/StringTable.h"
+#include "Platform/Foundation/StringTables/StringTable.h"
 
 #include <algorithm>
 
 #include "Platform/Foundation/NSString.h"
-#include "Platform/Foundation/PropertyListTexts.h"
-#include "Platform/Foundation/StringTableParser.h"
-#include "Platform/Foundation/UTF16.h"
+#include "Platform/Foundation/StringTables/PropertyListTexts.h"
+#include "Platform/Foundation/StringTables/StringTableParser.h"
+#include "Platform/Foundation/StringTables/UTF16.h"
 
 namespace quaverly {
 namespace {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include "Platform/Foundation/StringTableParser.h"
+#include "Platform/Foundation/StringTables/StringTableParser.h"
 
 namespace quaverly {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "Platform/Foundation/StringTableParser.h"
+#include "Platform/Foundation/StringTables/StringTableParser.h"
 
 namespace quaverly {
 
