@@ -125,6 +125,17 @@ class Import(ProgramTest):
         self.assertEqual(both.returncode, 0, both.stderr)
         self.assertEqual(self.songs(), sorted([LANTERN_PATH, ROOFS_PATH]))
 
+    def test_an_import_waits_for_another_one_that_has_the_port(self):
+        files = [self.copy(LANTERN, f"{i:03}.mp3") for i in range(60)]
+        script = (program.LOOPBACK_UP + '"$1" --quiet import "$2"/*.mp3 & sleep 0.1; '
+                  '"$1" --quiet --data "$3" --library "$4" import "$5"; s=$?; wait $! && exit $s')
+        both = subprocess.run([*program.OWN_NETWORK, "sh", "-c", script, "sh", program.PROGRAM, self.media,
+                               self.home / "data2", self.home / "library2", ROOFS],
+                              env=self.environment(), capture_output=True, timeout=60, check=False)
+        self.assertEqual((both.returncode, both.stderr), (0, b""))
+        self.assertTrue((self.home / "library2" / ROOFS_PATH).exists())
+        self.assertEqual(len(self.run_program("downloads", "--json").objects), len(files))
+
     def test_control_c_stops_after_the_current_step_and_says_what_was_not_done(self):
         files = [self.copy(LANTERN, f"{i:03}.mp3") for i in range(300)]
         process = subprocess.Popen(self.command("import", "--json", *files), env=self.environment(),

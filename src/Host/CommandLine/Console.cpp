@@ -59,6 +59,14 @@ void Console::result(std::string_view line) const {
   if (_form == Form::text) writeLine(stdout, printable(line));
 }
 
+void Console::results(const std::vector<std::string>& lines) const {
+  if (_form != Form::text || lines.empty()) return;
+  std::string text;
+  for (const auto& line : lines) text += printable(line) + '\n';
+  text.pop_back();
+  writeLine(stdout, text);
+}
+
 void Console::object(const JsonObject& object) const {
   if (_form != Form::json) return;
   writeLine(stdout, object.dump(-1, ' ', false, JsonObject::error_handler_t::replace));

@@ -3,6 +3,7 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quaverly::commandline {
 
@@ -21,6 +22,8 @@ class Console {
 
   /// A line of the result; nothing with --json.
   void result(std::string_view line) const;
+  /// Many lines at once, for long listings.
+  void results(const std::vector<std::string>& lines) const;
   /// The same as an object on a line; nothing without --json. What is not UTF-8 in it becomes U+FFFD.
   void object(const JsonObject& object) const;
   /// A line of the result that --quiet leaves out.

@@ -65,7 +65,9 @@ void print(const Console& console, const ImportAudioController& browser, const s
   if (console.form() == Form::json) std::ranges::transform(items, std::back_inserter(list), object);
   json["items"] = std::move(list);
   console.object(json);
-  for (const auto& item : items) console.result(line(item));
+  std::vector<std::string> lines;
+  std::ranges::transform(items, std::back_inserter(lines), line);
+  console.results(lines);
 }
 
 }  // namespace
