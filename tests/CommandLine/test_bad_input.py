@@ -121,12 +121,14 @@ class BadInput(ProgramTest):
         self.assertIn(str(LANTERN), result.errors[0])
 
     def test_a_disk_without_space(self):
-        mount = f"mkdir -p '{self.library}' && mount -t tmpfs -o size=64k none '{self.library}' && "
-        command = self.command("import", LANTERN, before=mount)
-        command[1:1] = ["--mount"]
+        tracer = ["strace", "-f", "-qq", "-o", "/dev/null", "-e", "inject=fallocate:error=ENOSPC"]
+        command = self.command("import", LANTERN)
+        at = command.index(program.PROGRAM)
+        command[at:at] = tracer
         done = subprocess.run(command, env=self.environment(), capture_output=True, check=False)
         self.assertEqual(done.returncode, 1)
-        self.assertIn("full", done.stderr.decode())
+        self.assertIn("the disk is full", done.stderr.decode())
+        self.assertEqual(self.songs(), [])
 
     def test_wrong_usage_is_status_2(self):
         for arguments in (["--frobnicate"], ["import"], ["import", "--frobnicate", "x"], ["info"], ["burn", "x"],

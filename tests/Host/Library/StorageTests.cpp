@@ -7,6 +7,8 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "Host/Library/ServiceUnderTest.h"
 #include "Support/NetworkNamespace.h"
@@ -24,21 +26,27 @@ using testing::IsEmpty;
 struct OwnMounts {
   OwnMounts() {
     test::enterOwnNetwork();  // with the rights that mounting takes
-    if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
-      throw std::runtime_error("no mount namespace");
-    }
+    if (unshare(CLONE_NEWNS) != 0) throw std::runtime_error("no mount namespace");
+    // Refused where the root is no mount of its own, in a chroot; then what is mounted may show outside until
+    // the test takes it down.
+    mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
   }
 };
 
 class StorageTest : public testing::Test {
  protected:
   StorageTest() { under.device().media().write("song.mp3", song); }
+  void TearDown() override {
+    for (const auto& path : mounted) umount2(path.c_str(), MNT_DETACH);
+  }
 
-  static void mountSmallDisk(const std::string& path, const std::string& size) {
+  void mountSmallDisk(const std::string& path, const std::string& size) {
     fs::create_directories(path);
+    mounted.push_back(path);
     ASSERT_EQ(mount("tmpfs", path.c_str(), "tmpfs", 0, ("size=" + size).c_str()), 0);
   }
-  static void setReadOnly(const std::string& path) {
+  void setReadOnly(const std::string& path) {
+    mounted.push_back(path);
     ASSERT_EQ(mount(path.c_str(), path.c_str(), nullptr, MS_BIND, nullptr), 0);
     ASSERT_EQ(mount(nullptr, path.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
   }
@@ -50,6 +58,7 @@ class StorageTest : public testing::Test {
   }
 
   OwnMounts ownMounts;
+  std::vector<std::string> mounted;
   ServiceUnderTest under;
   ImportServer server;
   const std::string song = songBytes(1, test::tag(4, test::frame(4, "PRIV", std::string(300'000, 'p'))));
