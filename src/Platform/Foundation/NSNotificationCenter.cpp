@@ -21,8 +21,9 @@ NSNotificationCenter& NSNotificationCenter::defaultCenter() {
 
 void NSNotificationCenter::add(NSObject* observer, Operation operation, std::string_view name,
                                NSObject* object) {
-  auto& byObject = _observations.try_emplace(std::string(name)).first->second;
-  auto& observations = byObject[object];
+  auto named = _observations.find(name);
+  if (named == _observations.end()) named = _observations.emplace(name, ObservationsByObject()).first;
+  auto& observations = named->second[object];
   std::erase_if(observations, [](const auto& observation) { return !observation->observer; });
   observations.push_back(
       std::make_shared<Observation>(observer, Unowned(observer), std::move(operation), _count++));
