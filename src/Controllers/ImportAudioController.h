@@ -54,7 +54,6 @@ class ImportAudioController : public PSViewController {
   const Ref<UILabel>& statusLabel() const { return _statusLabel; }
   /// The button that goes back up, and names the folder it goes to.
   const Ref<UIBarButtonItem>& temporaryBarButtonItem() const { return _temporaryBarButtonItem; }
-  void setTemporaryBarButtonItem(Ref<UIBarButtonItem> item) { _temporaryBarButtonItem = std::move(item); }
 
  private:
   void readArtwork(const AVMetadataItem& item, iTunesSongItem& song);

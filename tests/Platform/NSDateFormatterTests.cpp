@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
+#include <limits>
 #include <map>
 #include <random>
 #include <set>
@@ -208,6 +209,16 @@ TEST_F(DateFormatter, DatesFarAwayAreICUsToo) {
                            -62'135'596'800, 253'402'300'799, 253'402'300'800, 400'000'000'000}) {
     EXPECT_EQ(ours("en_US", "UTC", at), peer.string(at, 0)) << at;
   }
+}
+
+TEST_F(DateFormatter, DatesThatNoCalendarReachesAreTheLastThatAllDo) {
+  const int64_t last = 86'400LL * 100'000'000;
+  const auto limits = std::numeric_limits<int64_t>();
+  for (const char* zone : {"UTC", "Asia/Tokyo", "America/New_York"}) {
+    EXPECT_EQ(ours("en_US", zone, limits.max()), ours("en_US", zone, last));
+    EXPECT_EQ(ours("en_US", zone, limits.min()), ours("en_US", zone, -last));
+  }
+  EXPECT_EQ(ours("en_US", "UTC", limits.max()), "13/09/275760 12:00 AM");
 }
 
 TEST_F(DateFormatter, OtherPatternsAreICUs) {

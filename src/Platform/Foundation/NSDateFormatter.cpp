@@ -1,5 +1,6 @@
 #include "Platform/Foundation/NSDateFormatter.h"
 
+#include <algorithm>
 #include <compare>
 #include <memory>
 
@@ -9,6 +10,13 @@
 #include "Platform/Foundation/NSTimeZone.h"
 
 namespace quaverly {
+namespace {
+
+// File systems hold dates that no calendar reaches. They are shown as the last that all of them do.
+constexpr std::chrono::sys_seconds latest(std::chrono::days(100'000'000));
+constexpr std::chrono::sys_seconds earliest = std::chrono::sys_seconds() - std::chrono::days(100'000'000);
+
+}  // namespace
 
 /// A pattern in a locale and a zone.
 struct NSDateFormatter::Prepared {
@@ -45,7 +53,8 @@ std::optional<std::string> NSDateFormatter::stringFromDate(
     std::optional<std::chrono::sys_seconds> date) const {
   if (!date) return std::nullopt;
   if (!_prepared) return "";
-  const auto sinceEpoch = date->time_since_epoch() + _prepared->zone.secondsFromGMTForDate(*date);
+  const auto shown = std::clamp(*date, earliest, latest);
+  const auto sinceEpoch = shown.time_since_epoch() + _prepared->zone.secondsFromGMTForDate(shown);
   return _prepared->format->string(std::chrono::local_seconds(sinceEpoch));
 }
 

@@ -13,7 +13,7 @@ class DateFormat {
 
   virtual std::string string(std::chrono::local_seconds date) const = 0;
 
-  /// ICU formats everything; what is common in listings is written without it, sixteen times as fast.
+  /// ICU formats everything; what is common in listings is written without it, many times as fast.
   static std::unique_ptr<const DateFormat> prepare(const std::string& pattern, const std::string& locale);
 };
 
