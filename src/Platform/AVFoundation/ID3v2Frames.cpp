@@ -120,12 +120,15 @@ std::optional<ID3v2Frame> ID3v2Frames::next() {
 /// Stricter than what is asked of a frame behind an intact one, because pictures hold every sequence of
 /// bytes.
 bool ID3v2Frames::isPlausible() const {
-  if (idLengthAt(_rest) != idLength()) return false;
+  if (idLengthAt(_rest) != idLength() || hasUndefinedFlags()) return false;
   const auto size = bodyLength();
-  if (!size || *size == 0 || !endsPlausibly(*size)) return false;
-  if (_version == 2) return true;
+  return size && *size > 0 && endsPlausibly(*size);
+}
+
+bool ID3v2Frames::hasUndefinedFlags() const {
+  if (_version == 2) return false;
   const uint16_t undefined = _version == 3 ? 0x1f1f : 0x8fb0;
-  return (bigEndian(_rest.subspan(8, 2)) & undefined) == 0;
+  return (bigEndian(_rest.subspan(8, 2)) & undefined) != 0;
 }
 
 void ID3v2Frames::skipToPlausible() {

@@ -42,6 +42,7 @@ class ID3v2Frames {
   std::optional<size_t> bodyLength() const;
   bool isPadding() const;
   bool isPlausible() const;
+  bool hasUndefinedFlags() const;
   void skipExtendedHeader();
   void skipToPlausible();
 
