@@ -157,17 +157,20 @@ TEST_F(AVURLAssetTest, AFormatThatTheFileHasNotHasNoItems) {
   EXPECT_TRUE(asset->metadataForFormat("MP4").empty());
 }
 
-TEST_F(AVURLAssetTest, ACoverOutlivesItsAssetAndTheNextOnes) {
-  const auto cover = [&](char c) {
-    device.media().write("song.mp3", test::tag(3, pictureFrame(3, std::string(100'000, c))));
-    const auto asset =
-        AVURLAsset::URLAssetWithURLOptions(NSURL::fileURLWithPath("/var/mobile/Media/song.mp3"), nullptr);
+TEST_F(AVURLAssetTest, ACoverOutlivesItsAssetTheNextOnesAndItsFile) {
+  const auto cover = [&](const std::string& name, char c, unsigned flags) {
+    device.media().write(name, test::tag(3, pictureFrame(3, std::string(100'000, c)), flags));
+    const auto url = NSURL::fileURLWithPath("/var/mobile/Media/" + name);
+    const auto asset = AVURLAsset::URLAssetWithURLOptions(url, nullptr);
+    std::filesystem::remove(folder / name);
     return std::get<AVMetadataItem::Dictionary>(asset->metadataForFormat("ID3v2")[0].value()).at("data");
   };
-  const NSData first = cover('a');
-  const NSData second = cover('b');
-  EXPECT_EQ(first.text(), std::string(100'000, 'a'));
-  EXPECT_EQ(second.text(), std::string(100'000, 'b'));
+  for (const unsigned flags : {0U, 0x80U}) {
+    const NSData first = cover("1.mp3", 'a', flags);
+    const NSData second = cover("2.mp3", 'b', flags);
+    EXPECT_EQ(first.text(), std::string(100'000, 'a'));
+    EXPECT_EQ(second.text(), std::string(100'000, 'b'));
+  }
 }
 
 }  // namespace

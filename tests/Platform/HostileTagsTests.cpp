@@ -4,7 +4,9 @@
 #include <ctime>
 #include <iostream>
 
+#include "Platform/AVFoundation/FileBytes.h"
 #include "Platform/AVFoundation/TagReading.h"
+#include "ReadFromMemory.h"
 #include "Support/Allocations.h"
 #include "Support/AudioFiles.h"
 #include "Support/Command.h"
@@ -24,8 +26,8 @@ using test::textFrame;
 
 constexpr size_t mebi = size_t{1} << 20;
 
-/// Reads a file within the time (of the processor, which others use as well) and the memory that any file must
-/// be content with.
+/// Reads a file within the time (of the processor, which others use as well) and the memory that any file
+/// must be content with.
 class Reading {
  public:
   void read(const std::string& bytes, const std::string& about) {
@@ -78,6 +80,26 @@ TEST(HostileTags, TenThousandDamagedFilesAreReadQuicklyAndWithLittleMemory) {
   Reading reading;
   for (int i = 0; i < 10'000 && !testing::Test::HasFailure(); ++i)
     reading.read(mutations.next(), "file " + std::to_string(i));
+}
+
+std::string songWithLargeCovers(int version) {
+  const auto cover = pictureFrame(version, std::string(30'000, version == 3 ? 'T' : '\xff'));
+  const auto title = textFrame(version, version == 2 ? "TT2" : "TIT2", "Title");
+  return tag(version, title + cover + title + cover + std::string(5000, '\0')) + mpegFrames(4);
+}
+
+TEST(HostileTags, WhatLiesInMemoryThatWasNotReadDecidesNothing) {
+  constexpr size_t storageLength = 200'000;
+  test::Mutations mutations({songWithLargeCovers(2), songWithLargeCovers(3), songWithLargeCovers(4)});
+  test::MemoryFile file;
+  const auto readOver = [&](uint8_t leftover) {
+    std::fill_n(reusedStorage(storageLength).get(), storageLength, leftover);
+    return described(readTags(file.descriptor()));
+  };
+  for (int i = 0; i < 2000 && !testing::Test::HasFailure(); ++i) {
+    file.setContents(mutations.next());
+    EXPECT_EQ(readOver(0), readOver('T')) << i;
+  }
 }
 
 std::string repeated(const std::string& piece, size_t length) {

@@ -32,7 +32,8 @@ SourceFrames::SourceFrames(tags::TagsAround& around) {
 void SourceFrames::add(tags::TagsAround::ID3v2& tag) {
   std::set<std::string_view> known;
   for (const auto& frame : _frames) known.insert(frame.id);
-  tags::ID3v2Frames frames(tag.header, tag.bytes.writable());
+  tag.bytes.load(tag.bytes.bytes());
+  tags::ID3v2Frames frames(tag.header, tag.bytes);
   while (const auto frame = frames.next()) {
     _isWhole = _frames.size() < mostFrames;
     if (!_isWhole) return;

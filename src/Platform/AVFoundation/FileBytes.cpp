@@ -16,8 +16,9 @@ namespace {
 constexpr size_t shortestKept = size_t{16} << 10;
 constexpr size_t longestKept = size_t{2} << 20;
 
-/// This thread's memory for pieces of files, shared with whoever still uses the last piece.
-std::shared_ptr<uint8_t[]> storageFor(size_t length) {
+}  // namespace
+
+std::shared_ptr<uint8_t[]> reusedStorage(size_t length) {
   if (length < shortestKept || length > longestKept) return std::make_shared_for_overwrite<uint8_t[]>(length);
   thread_local std::shared_ptr<uint8_t[]> kept;
   thread_local size_t capacity = 0;
@@ -27,8 +28,6 @@ std::shared_ptr<uint8_t[]> storageFor(size_t length) {
   }
   return kept;
 }
-
-}  // namespace
 
 Descriptor::Descriptor(Descriptor&& other) noexcept : _number(std::exchange(other._number, -1)) {}
 
@@ -64,7 +63,7 @@ size_t readAt(int descriptor, uint64_t offset, std::span<uint8_t> into) {
 
 FileBytes FileBytes::read(int descriptor, uint64_t offset, size_t length) {
   FileBytes piece;
-  piece._storage = storageFor(length);
+  piece._storage = reusedStorage(length);
   piece._length = readAt(descriptor, offset, {piece._storage.get(), length});
   return piece;
 }

@@ -35,8 +35,11 @@ std::optional<uint64_t> lengthOfFile(int descriptor);
 /// a read error. Leaves the descriptor's own position alone.
 size_t readAt(int descriptor, uint64_t offset, std::span<uint8_t> into);
 
-/// A piece of a file in memory. What is made of it (pictures) shares the memory with it instead of copying;
-/// once nobody does any more, the next piece that this thread reads is put into the same memory.
+/// Memory for a piece of a file, not initialised. Of the usual lengths of tags it is the same for each piece
+/// that this thread reads, once nobody uses it for the piece before any more.
+std::shared_ptr<uint8_t[]> reusedStorage(size_t length);
+
+/// A piece of a file in memory. What is made of it (pictures) shares the memory with it instead of copying.
 class FileBytes {
  public:
   FileBytes() = default;
@@ -45,7 +48,6 @@ class FileBytes {
   static FileBytes read(int descriptor, uint64_t offset, size_t length);
 
   Bytes bytes() const { return {_storage.get(), _length}; }
-  std::span<uint8_t> writable() { return {_storage.get(), _length}; }
 
   /// `bytes`, which lie in this piece, as data that keeps the piece's memory alive.
   NSData share(Bytes bytes) const;

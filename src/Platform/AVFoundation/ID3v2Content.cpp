@@ -97,6 +97,11 @@ std::optional<size_t> inflatedLength(Bytes bytes, size_t limit) {
 
 }  // namespace
 
+bool saysItWhereItLies(const ID3v2Frame& frame) {
+  const Layout layout = layoutOf(frame);
+  return !frame.unsynchronised && !layout.compressed && !layout.encrypted && layout.fields == 0;
+}
+
 bool ID3v2Decoder::spend(size_t length) {
   const bool affordable = length <= _left;
   _left -= std::min(length, _left);

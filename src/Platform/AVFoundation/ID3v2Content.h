@@ -16,13 +16,17 @@ struct ID3v2Content {
   std::shared_ptr<const void> owner;
 };
 
+/// Whether a frame's body is its content.
+bool saysItWhereItLies(const ID3v2Frame& frame);
+
 /// Undoes what was done to frames, within a budget for all the frames of a file, so that a small file cannot
 /// ask for much memory.
 class ID3v2Decoder {
  public:
   static constexpr size_t budget = size_t{32} << 20;
 
-  /// Nothing for an encrypted frame, a damaged one, and one that no longer fits into the budget.
+  /// The body must be in memory. Nothing for an encrypted frame, a damaged one, and one that no longer fits
+  /// into the budget.
   std::optional<ID3v2Content> content(const ID3v2Frame& frame);
 
  private:

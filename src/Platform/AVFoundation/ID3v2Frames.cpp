@@ -28,20 +28,20 @@ size_t resynchronise(std::span<uint8_t> bytes) {
   return static_cast<size_t>(out - bytes.data());
 }
 
-ID3v2Frames::ID3v2Frames(const ID3v2Header& header, std::span<uint8_t> tag) : _version(header.version) {
-  if (!header.readable() || tag.size() <= ID3v2Header::length) return;
-  auto body = tag.subspan(ID3v2Header::length);
-  body = body.first(std::min<size_t>(body.size(), header.bodyLength));
+ID3v2Frames::ID3v2Frames(const ID3v2Header& header, LazyBytes& tag) : _tag(tag), _version(header.version) {
+  if (!header.readable()) return;
+  _rest = part(tag.bytes(), ID3v2Header::length, header.bodyLength);
   if (header.unsynchronised && _version < 4) {
-    body = body.first(resynchronise(body));
+    const auto body = tag.edit().last(tag.bytes().size() - ID3v2Header::length).first(_rest.size());
+    _rest = body.first(resynchronise(body));
   } else {
     _unsynchronised = header.unsynchronised;
   }
-  _rest = body;
   if (header.extended) skipExtendedHeader();
 }
 
 void ID3v2Frames::skipExtendedHeader() {
+  loadHeader(_rest);
   // Some taggers set the flag and write no such header.
   if (_rest.size() < 4 || beginsFrame(_rest)) return;
   const auto size = _version == 3 ? bigEndian(_rest.first(4)) + uint64_t{4}
@@ -73,6 +73,7 @@ bool ID3v2Frames::endsPlausibly(size_t bodyLength) const {
   if (!fits(bodyLength)) return false;
   const Bytes behind = _rest.subspan(headerLength() + bodyLength);
   if (behind.size() < headerLength()) return true;
+  loadHeader(behind);
   return behind[0] == 0 || beginsFrame(behind);
 }
 
@@ -97,7 +98,9 @@ std::optional<size_t> ID3v2Frames::bodyLength() const {
 }
 
 std::optional<ID3v2Frame> ID3v2Frames::next() {
-  while (_rest.size() >= headerLength() && !isPadding()) {
+  while (_rest.size() >= headerLength()) {
+    loadHeader(_rest);
+    if (isPadding()) break;
     const size_t characters = idLengthAt(_rest);
     const auto size = characters > 0 ? bodyLength() : std::nullopt;
     if (!size) {
@@ -134,6 +137,7 @@ bool ID3v2Frames::hasUndefinedFlags() const {
 void ID3v2Frames::skipToPlausible() {
   do {
     _rest = _rest.subspan(1);
+    loadHeader(_rest);
   } while (_rest.size() >= headerLength() && !isPlausible());
 }
 

@@ -7,6 +7,7 @@
 
 #include "Platform/AVFoundation/Bytes.h"
 #include "Platform/AVFoundation/ID3v2Header.h"
+#include "Platform/AVFoundation/LazyBytes.h"
 
 namespace quaverly::tags {
 
@@ -26,10 +27,11 @@ struct ID3v2Frame {
 class ID3v2Frames {
  public:
   /// `tag` begins with the header and may be cut short. In a tag of 2.2 or 2.3 that was unsynchronised the
-  /// stuffed bytes are taken out in place: the frames that come then are the ones that were written. The
-  /// bytes must outlive the walk and the frames.
-  ID3v2Frames(const ID3v2Header& header, std::span<uint8_t> tag);
+  /// stuffed bytes are taken out in place: the frames that come then are the ones that were written. The tag
+  /// must outlive the walk and the frames.
+  ID3v2Frames(const ID3v2Header& header, LazyBytes& tag);
 
+  /// The header of the frame is in memory then, its body may have to be loaded.
   std::optional<ID3v2Frame> next();
 
  private:
@@ -46,6 +48,10 @@ class ID3v2Frames {
   void skipExtendedHeader();
   void skipToPlausible();
 
+  /// Brings what may be a header into memory.
+  void loadHeader(Bytes at) const { _tag.load(part(at, 0, headerLength())); }
+
+  LazyBytes& _tag;
   uint8_t _version;
   bool _unsynchronised = false;
   Bytes _rest;

@@ -30,8 +30,13 @@ constexpr std::array<std::pair<std::string_view, TagContents::Field>, 13> textFr
     {"TYE", &TagContents::year},
 }};
 
-void readText(TagContents::Field field, Bytes content, TagContents& contents) {
-  std::string text = textOfFrame(content);
+void readText(TagContents::Field field, const ID3v2Frame& frame, LazyBytes& tag, ID3v2Decoder& decoder,
+              TagContents& contents) {
+  if (frame.body.size() > longestText && saysItWhereItLies(frame)) return;
+  tag.load(frame.body);
+  const auto content = decoder.content(frame);
+  if (!content) return;
+  std::string text = textOfFrame(content->bytes);
   if (field == &TagContents::genre) text = genreOf(text).value_or("");
   contents.set(field, std::move(text));
 }
@@ -50,8 +55,33 @@ TagContents::Field fieldFilledBy(const ID3v2Frame& frame, const TagContents& con
   return standsIn ? &TagContents::year : fieldOfFrame(frame.id);
 }
 
-NSData shared(Bytes image, const ID3v2Content& content, const FileBytes& piece) {
-  return content.owner ? NSData(content.owner, std::as_bytes(image)) : piece.share(image);
+/// Longer than what stands before the image in almost any picture frame.
+constexpr size_t usualPictureHead = 512;
+
+/// The picture of a frame whose body is its content, by a look at its head alone. Nothing when that is longer
+/// than usual.
+std::optional<Picture> pictureByItsHead(const ID3v2Frame& frame, LazyBytes& tag) {
+  const Bytes head = part(frame.body, 0, usualPictureHead);
+  tag.load(head);
+  const auto framed = pictureOfFrame(frame, head);
+  if (!framed) return std::nullopt;
+  const auto begin = static_cast<size_t>(framed->image.data() - frame.body.data());
+  return Picture{framed->kind, tag.data(frame.body.subspan(begin))};
+}
+
+std::optional<Picture> pictureByItsContent(const ID3v2Frame& frame, LazyBytes& tag, ID3v2Decoder& decoder) {
+  tag.load(frame.body);
+  const auto content = decoder.content(frame);
+  const auto framed = content ? pictureOfFrame(frame, content->bytes) : std::nullopt;
+  if (!framed) return std::nullopt;
+  if (!content->owner) return Picture{framed->kind, tag.data(framed->image)};
+  return Picture{framed->kind, NSData(content->owner, std::as_bytes(framed->image))};
+}
+
+void readPicture(const ID3v2Frame& frame, LazyBytes& tag, ID3v2Decoder& decoder, TagContents& contents) {
+  auto picture = saysItWhereItLies(frame) ? pictureByItsHead(frame, tag) : std::nullopt;
+  if (!picture) picture = pictureByItsContent(frame, tag, decoder);
+  if (picture) contents.pictures.push_back(std::move(*picture));
 }
 
 }  // namespace
@@ -78,20 +108,18 @@ std::optional<FramedPicture> pictureOfFrame(const ID3v2Frame& frame, Bytes conte
   return picture.image.empty() ? std::nullopt : std::optional(picture);
 }
 
-void readID3v2(const ID3v2Header& header, FileBytes& piece, TagContents& contents) {
-  ID3v2Frames frames(header, piece.writable());
+void readID3v2(const ID3v2Header& header, LazyBytes& tag, TagContents& contents) {
+  ID3v2Frames frames(header, tag);
   ID3v2Decoder decoder;
   size_t taken = 0;
   while (const auto frame = frames.next()) {
     const auto field = fieldFilledBy(*frame, contents);
     if (!field && !isPictureFrame(frame->id)) continue;
     if (++taken > mostFrames) break;
-    const auto content = decoder.content(*frame);
-    if (!content) continue;
     if (field) {
-      readText(field, content->bytes, contents);
-    } else if (const auto picture = pictureOfFrame(*frame, content->bytes)) {
-      contents.pictures.push_back({picture->kind, shared(picture->image, *content, piece)});
+      readText(field, *frame, tag, decoder, contents);
+    } else {
+      readPicture(*frame, tag, decoder, contents);
     }
   }
 }

@@ -3,9 +3,9 @@
 #include <span>
 #include <string_view>
 
-#include "Platform/AVFoundation/FileBytes.h"
 #include "Platform/AVFoundation/ID3v2Content.h"
 #include "Platform/AVFoundation/ID3v2Header.h"
+#include "Platform/AVFoundation/LazyBytes.h"
 #include "Platform/AVFoundation/TagContents.h"
 
 namespace quaverly::tags {
@@ -23,8 +23,8 @@ struct FramedPicture {
 };
 std::optional<FramedPicture> pictureOfFrame(const ID3v2Frame& frame, Bytes content);
 
-/// Reads the tag in `piece` into `contents`, later frames over earlier ones. Pictures share the piece's
-/// memory.
-void readID3v2(const ID3v2Header& header, FileBytes& piece, TagContents& contents);
+/// Reads a tag into `contents`, later frames over earlier ones. Pictures stay in the file until somebody
+/// wants to see them.
+void readID3v2(const ID3v2Header& header, LazyBytes& tag, TagContents& contents);
 
 }  // namespace quaverly::tags

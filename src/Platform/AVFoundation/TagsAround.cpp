@@ -12,31 +12,30 @@ namespace {
 /// More tags in a row than any file has; the rest is left to the audio.
 constexpr size_t mostTagsInARow = 8;
 
-/// Reads the tags in front of the audio, one after the other, each together with what tells what follows.
+/// Finds the tags in front of the audio, one after the other, and what follows them.
 class LeadingTags {
  public:
   LeadingTags(int descriptor, TagsAround& tags) : _descriptor(descriptor), _tags(tags) {}
 
   void read() {
-    std::array<uint8_t, containerMarkLength> storage;
-    Bytes beginning = part(storage, 0, readAt(_descriptor, 0, storage));
+    Bytes beginning = part(_mark, 0, readAt(_descriptor, 0, _mark));
     while (const auto header = ID3v2Header::parse(beginning)) {
       if (_tags.leading.size() == mostTagsInARow) break;
-      beginning = readTag(*header);
+      beginning = passTag(*header);
     }
     _tags.container = containerOf(beginning);
   }
 
  private:
-  Bytes readTag(const ID3v2Header& header) {
-    const uint64_t left = _tags.fileLength - _tags.audioOffset;
-    const uint64_t length = std::min(header.tagLength(), left);
-    const uint64_t wanted = std::min(length + containerMarkLength, left);
-    auto& tag = _tags.leading.emplace_back(header, FileBytes::read(_descriptor, _tags.audioOffset, wanted));
+  /// Returns what follows the tag.
+  Bytes passTag(const ID3v2Header& header) {
+    const uint64_t length = std::min(header.tagLength(), _tags.fileLength - _tags.audioOffset);
+    _tags.leading.push_back({header, LazyBytes(_descriptor, _tags.audioOffset, length)});
     _tags.audioOffset += length;
-    return part(std::as_const(tag.bytes).bytes(), static_cast<size_t>(length));
+    return part(_mark, 0, readAt(_descriptor, _tags.audioOffset, _mark));
   }
 
+  std::array<uint8_t, containerMarkLength> _mark{};
   int _descriptor;
   TagsAround& _tags;
 };
@@ -88,7 +87,8 @@ class TrailingTags {
   bool takeID3v2() {
     const auto footer = ID3v2Header::parseFooter(last(ID3v2Header::length));
     if (!footer || !isThere(footer->tagLength())) return false;
-    _tags.trailing.push_back({*footer, take(footer->tagLength())});
+    _tags.audioEnd -= footer->tagLength();
+    _tags.trailing.push_back({*footer, LazyBytes(_descriptor, _tags.audioEnd, footer->tagLength())});
     return true;
   }
 

@@ -9,15 +9,16 @@
 #include "Platform/AVFoundation/AudioContent.h"
 #include "Platform/AVFoundation/FileBytes.h"
 #include "Platform/AVFoundation/ID3v2Header.h"
+#include "Platform/AVFoundation/LazyBytes.h"
 
 namespace quaverly::tags {
 
 /// The tags that stand in front of and behind the audio of a file: ID3v2 in front, and behind it ID3v1, APE,
-/// lyrics and, seldom, another ID3v2. Only the tags are read: the beginning, each tag, the last bytes.
+/// lyrics and, seldom, another ID3v2. Only what tells where they lie is read, and tags of the other kinds.
 struct TagsAround {
   struct ID3v2 {
     ID3v2Header header;
-    FileBytes bytes;  ///< the whole tag, cut where the file ends
+    LazyBytes bytes;  ///< the whole tag, cut where the file ends
   };
   struct Behind {
     std::optional<APEFooter> ape;  ///< absent when these are lyrics
@@ -36,7 +37,7 @@ struct TagsAround {
   uint64_t audioEnd = 0;     ///< where the first of the tags behind it begins
   Container container = Container::other;
 
-  /// `length` is the file's.
+  /// `length` is the file's. The descriptor must stay open as long as ID3v2 tags are looked at.
   static TagsAround read(int descriptor, uint64_t length);
 };
 
