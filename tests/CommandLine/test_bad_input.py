@@ -97,6 +97,16 @@ class BadInput(ProgramTest):
         self.assertEqual(len(result.errors), 2)
         self.assertIn('The year "soon" is no number', result.errors[0])
 
+    def test_unusual_numbers_are_written_or_remarked(self):
+        for number, year, track in (("5", 5, 5), ("1000", 1000, 1000), ("99999", None, None), ("-5", None, None),
+                                    ("0", None, None), ("4294967297", None, None)):
+            result = self.run_program("import", LANTERN, "--json", f"--year={number}", f"--track={number}",
+                                      "--title", f"Number {number}")
+            self.assertEqual(result.object["state"], "filed", number)
+            song = self.run_program("library", "--json").objects[0]
+            self.assertEqual((song.get("year"), song.get("trackNumber")), (year, track), number)
+            self.assertEqual(len(result.errors), 0 if year or number == "0" else 2, number)
+
     def test_a_picture_that_is_none(self):
         for picture in (LANTERN, self.home / "none.png", self.home):
             result = self.run_program("import", LANTERN, "--artwork", picture)

@@ -54,6 +54,13 @@ class Import(ProgramTest):
         self.assertEqual(result.status, 0, result.err)
         self.assertEqual(self.songs(), ["A/L/01 T (2).mp3", "A/L/01 T.mp3"])
 
+    def test_folders_may_be_named_from_where_one_stands(self):
+        folders = ["--library", "lib", "--data", "./dat/"]
+        self.assertEqual(self.run_program("import", LANTERN, *folders).status, 0)
+        song = self.run_program("library", "--json", *folders).object
+        self.assertEqual(song["path"], str(self.home / "lib" / LANTERN_PATH))
+        self.assertTrue((self.home / "dat/catalogue.sqlite").exists())
+
     def test_two_folders_files_of_one_name_are_two_songs(self):
         first, second = self.copy(LANTERN, "a/01.mp3"), self.copy(ROOFS, "b/01.mp3")
         elsewhere = self.home / "elsewhere"

@@ -18,12 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 using library::Failure;
 
-/// Absolute, without "." and "..", without a slash at the end; links stay.
-fs::path absolute(const std::string& path) {
-  const fs::path normal = fs::absolute(path).lexically_normal();
-  return normal.has_filename() || normal == normal.root_path() ? normal : normal.parent_path();
-}
-
 fs::path makeTemporaryFolder() {
   std::string pattern = (fs::temp_directory_path() / "quaverly-XXXXXX").string();
   if (!mkdtemp(pattern.data())) {
@@ -61,11 +55,13 @@ library::MaybeFailure problemWith(const std::string& file) {
 
 }  // namespace
 
+std::string absolutePath(const std::string& path) {
+  const fs::path normal = fs::absolute(path).lexically_normal();
+  return normal.has_filename() || normal == normal.root_path() ? normal : normal.parent_path();
+}
+
 HostDevice::HostDevice(const CommonOptions& options)
-    : _media(absolute(options.media)),
-      _library(absolute(options.library)),
-      _data(absolute(options.data)),
-      _temporary(makeTemporaryFolder()) {
+    : _media(options.media), _settings{options.data, options.library}, _temporary(makeTemporaryFolder()) {
   Device device;
   const fs::path bundle = host::bundleFolder();
   device.mounts.mount(mediaPath, _media, MountTable::Access::readOnly);
@@ -83,7 +79,7 @@ HostDevice::~HostDevice() {
 
 library::Result<DeviceFile> reachFile(const std::string& file, library::OutsideFiles& outsideFiles) {
   if (const auto problem = problemWith(file)) return *problem;
-  const std::string path = absolute(file);
+  const std::string path = absolutePath(file);
   if (const auto devicePath = library::mountedDevicePath(path); devicePath && NSStringIsUTF8(*devicePath)) {
     return DeviceFile{*devicePath, nullptr};
   }

@@ -11,6 +11,9 @@
 
 namespace quaverly::commandline {
 
+/// Absolute, without "." and "..", without a slash at the end; links stay.
+std::string absolutePath(const std::string& path);
+
 /// The device that a command runs on: the platform's, filled from this machine and the common options, with a
 /// temporary folder of its own. One at a time, made first on the main thread.
 class HostDevice {
@@ -24,13 +27,12 @@ class HostDevice {
   static constexpr const char* mediaPath = "/var/mobile/Media";
 
   const std::filesystem::path& media() const { return _media; }
-  library::LibrarySettings librarySettings() const { return {_data.string(), _library.string()}; }
+  const library::LibrarySettings& librarySettings() const { return _settings; }
   library::OutsideFiles& outsideFiles() { return _outsideFiles; }
 
  private:
   std::filesystem::path _media;
-  std::filesystem::path _library;
-  std::filesystem::path _data;
+  library::LibrarySettings _settings;
   std::filesystem::path _temporary;
   library::OutsideFiles _outsideFiles;
 };

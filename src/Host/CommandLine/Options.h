@@ -11,7 +11,7 @@ namespace quaverly::commandline {
 /// What a command ends the program with.
 enum class ExitStatus { done = 0, failed = 1, usage = 2 };
 
-/// The options that all commands take.
+/// The options that all commands take. The folders are absolute once the arguments are read.
 struct CommonOptions {
   std::string media;
   std::string library;

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "Host/CommandLine/Commands.h"
+#include "Host/CommandLine/HostDevice.h"
 #include "Host/Environment/UserFolders.h"
 #include "Platform/Foundation/NSLog.h"
 #include "Platform/Foundation/NSString.h"
@@ -132,6 +133,7 @@ int runProgram(int argumentCount, char** arguments) {
   } catch (const CLI::ParseError& error) {
     return static_cast<int>(app.exit(error) == 0 ? ExitStatus::done : ExitStatus::usage);
   }
+  for (auto* folder : {&common.media, &common.library, &common.data}) *folder = absolutePath(*folder);
   if (chosen) return run(chosen, common);
   std::fputs(app.help().c_str(), stdout);
   return static_cast<int>(ExitStatus::done);

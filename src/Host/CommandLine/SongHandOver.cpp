@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "Cores/QVImporter.h"
+#include "Host/Library/SongTags.h"
 #include "Platform/Foundation/NSString.h"
 #include "Platform/UIKit/UIImage.h"
 
@@ -24,9 +25,10 @@ Ref<ImportAudioController> makeBrowser() {
   return browser;
 }
 
-/// Whether the importer reads all of a text as the number that it looks like.
-bool isNumber(const std::string& text) {
-  return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+/// Whether a text says a number that a tag can hold; no text at all says none.
+bool isNumber(const std::string& text, int32_t largest) {
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  return std::ranges::all_of(text, isDigit) && NSStringIntValue(text) <= largest;
 }
 
 void replace(const std::optional<std::string>& edit, iTunesSongItem& song,
@@ -100,16 +102,17 @@ void SongHandOver::stageArtwork(iTunesSongItem& song) const {
 }
 
 void SongHandOver::remarkOnNumbers(const std::string& file, const iTunesSongItem& song) const {
-  const auto remark = [&](const char* what, const std::optional<std::string>& text) {
-    if (!text || isNumber(*text)) return;
+  const auto remark = [&](const char* what, const char* option, const std::optional<std::string>& text,
+                          int32_t largest) {
+    if (!text || isNumber(*text, largest)) return;
     const int32_t value = NSStringIntValue(*text);
-    const std::string read = value == 0 ? "none" : std::to_string(value);
-    _console.remark(file, std::string("The ") + what + " \"" + *text + "\" is no number and is read as " +
-                              read + ". Give another with --" +
-                              (what == std::string("year") ? "year." : "track."));
+    const std::string read = value <= 0 || value > largest ? "none" : std::to_string(value);
+    _console.remark(file, std::string("The ") + what + " \"" + *text +
+                              "\" is no number that a tag can hold and is read as " + read +
+                              ". Give another with " + option + ".");
   };
-  remark("year", song.releaseYear());
-  remark("track number", song.indexInCollection());
+  remark("year", "--year", song.releaseYear(), library::largestYear);
+  remark("track number", "--track", song.indexInCollection(), library::largestTrackNumber);
 }
 
 }  // namespace quaverly::commandline

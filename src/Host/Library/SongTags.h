@@ -8,6 +8,10 @@
 
 namespace quaverly::library {
 
+/// What every tag format can hold; a larger number is written as none.
+inline constexpr int32_t largestTrackNumber = 65535;
+inline constexpr int32_t largestYear = 9999;
+
 /// The tags that an import decides. Absent (and 0) means none: the filed song then has no such tag.
 struct SongTags {
   std::optional<std::string> title{};

@@ -4,6 +4,7 @@
 
 #include "Platform/AVFoundation/FileBytes.h"
 #include "Platform/AVFoundation/TagReading.h"
+#include "Platform/Foundation/NSString.h"
 
 namespace quaverly {
 namespace {
@@ -36,7 +37,8 @@ Items itemsOf(const tags::TagContents& contents) {
   addText(items, "albumName", contents.album);
   addPictures(items, contents);
   addText(items, nullptr, contents.genre);
-  addText(items, nullptr, contents.track);
+  // The screen tells a track number from a year and a genre by its being shorter.
+  if (contents.track && NSStringLength(*contents.track) < 4) addText(items, nullptr, contents.track);
   addText(items, nullptr, contents.year);
   return items;
 }

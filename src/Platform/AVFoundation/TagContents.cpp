@@ -42,10 +42,8 @@ const Picture* shownPicture(const std::vector<Picture>& pictures) {
   return pictures.empty() ? nullptr : &pictures.back();
 }
 
-std::optional<std::string> trackNumberOf(std::string_view text) {
-  const auto number = trimmed(text.substr(0, text.find('/')));
-  if (number.size() > 3) return std::nullopt;
-  return std::string(number);
+std::string trackNumberOf(std::string_view text) {
+  return std::string(trimmed(text.substr(0, text.find('/'))));
 }
 
 std::optional<std::string> yearOf(std::string_view text) {

@@ -43,9 +43,8 @@ struct TagContents {
 /// Which picture stands for the song: the last front cover, or else the last picture. Null without any.
 const Picture* shownPicture(const std::vector<Picture>& pictures);
 
-/// "07" of "07/12". Nothing when it is longer than three characters: the screen tells a track number from a
-/// year and a genre by that.
-std::optional<std::string> trackNumberOf(std::string_view text);
+/// "07" of "07/12".
+std::string trackNumberOf(std::string_view text);
 
 /// The year of a date: its first four digits, "2014" of "2014-05-01" and of "01.05.2014".
 std::optional<std::string> yearOf(std::string_view text);
