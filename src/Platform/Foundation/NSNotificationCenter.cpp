@@ -25,8 +25,8 @@ void NSNotificationCenter::add(NSObject* observer, Operation operation, std::str
   if (named == _observations.end()) named = _observations.emplace(name, ObservationsByObject()).first;
   auto& observations = named->second[object];
   std::erase_if(observations, [](const auto& observation) { return !observation->observer; });
-  observations.push_back(
-      std::make_shared<Observation>(observer, Unowned(observer), std::move(operation), _count++));
+  observations.push_back(std::make_shared<Observation>(
+      Observation{observer, Unowned(observer), std::move(operation), _count++}));
 }
 
 void NSNotificationCenter::removeObserver(const NSObject* observer, std::string_view name,
