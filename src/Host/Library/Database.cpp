@@ -10,7 +10,14 @@ namespace {
 
 /// How long a writer waits for another one; a turn takes milliseconds.
 constexpr std::chrono::milliseconds busyLimit{10'000};
-constexpr std::chrono::milliseconds busyPause{5};
+constexpr std::chrono::milliseconds busyPause{1};
+
+/// SQLite's own pauses grow to a tenth of a second, and every import would feel them.
+int waitForWriter(void*, int pauses) {
+  if (pauses >= busyLimit / busyPause) return 0;
+  std::this_thread::sleep_for(busyPause);
+  return 1;
+}
 
 std::string explanation(int code) {
   switch (code & 0xff) {
@@ -99,7 +106,7 @@ Result<std::unique_ptr<Database>> Database::open(const std::string& path) {
   database->_database.reset(handle);
   if (code != SQLITE_OK) return database->failureOf(code);
   sqlite3_extended_result_codes(handle, 1);
-  sqlite3_busy_timeout(handle, static_cast<int>(busyLimit.count()));
+  sqlite3_busy_handler(handle, waitForWriter, nullptr);
   return database;
 }
 

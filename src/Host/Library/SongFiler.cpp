@@ -1,5 +1,6 @@
 #include "Host/Library/SongFiler.h"
 
+#include <future>
 #include <utility>
 
 #include "Host/Library/SongFolder.h"
@@ -84,7 +85,6 @@ Result<PartFile> SongFiler::fetched(const DownloadRecord& record, const SongOffe
   if (auto failure = receiver.end()) return *failure;
   if (auto failure = tagStored(*part, offer)) return *failure;
   if (auto failure = checkStored(*part, offer)) return *failure;
-  if (auto failure = part->flush()) return *failure;
   return part;
 }
 
@@ -109,7 +109,11 @@ Result<PartFile::Placing> SongFiler::placeAs(const FilingPlan& plan, const SongO
   record.state = DownloadState::placing;
   record.libraryPath = plan.path;
   record.reason = plan.namesake ? "Another song has this name already: " + *plan.namesake : "";
-  if (auto failure = _catalogue.intend(record, song)) return *failure;
+  // Two flushes at once: the file system makes one of them.
+  auto flushed = std::async(std::launch::async, [&part] { return part.flush(); });
+  const auto intended = _catalogue.intend(record, song);
+  if (auto failure = flushed.get()) return *failure;
+  if (intended) return *intended;
   auto placing = part.placeAs(plan.path);
   if (!placing || *placing == PartFile::Placing::nameTaken) return placing;
   // From here on the song is in the library, and the intention tells the next start so, come what may.
