@@ -73,17 +73,21 @@ void DownloadWorker::takeTurn() {
 
 void DownloadWorker::run(const std::stop_token& stop) {
   auto catalogue = Catalogue::open(_settings.dataFolder);
-  catalogue ? runWith(*catalogue, stop) : refuseAll(catalogue.failure(), stop);
+  auto placing = Catalogue::open(_settings.dataFolder);
+  catalogue&& placing ? runWith(*catalogue, *placing, stop)
+                      : refuseAll((catalogue ? placing : catalogue).failure(), stop);
   tell([](DownloadDesk& desk) { desk.workerEnded(); });
 }
 
-void DownloadWorker::runWith(Catalogue& catalogue, const std::stop_token& stop) {
-  SongFiler filer(_settings, catalogue, _artwork, {}, [this, &stop] { return waitForServer(stop); });
+void DownloadWorker::runWith(Catalogue& catalogue, Catalogue& placing, const std::stop_token& stop) {
+  SongFiler filer({_settings, catalogue, placing, _artwork}, {},
+                  [this, &stop] { return waitForServer(stop); });
   while (!stop.stop_requested()) {
     const auto id = next(stop);
     if (!_turn) waitForTurn(catalogue, stop);
     if (id && !stop.stop_requested()) work(*id, catalogue, filer, stop);
   }
+  filer.finish();
   if (_turn) PartFile::removeAbandoned(_settings.libraryFolder);
 }
 
@@ -136,20 +140,17 @@ void DownloadWorker::work(DownloadID id, Catalogue& catalogue, SongFiler& filer,
     return tell([record = failed(id, failure)](DownloadDesk& desk) { desk.ended(record); });
   }
   auto& record = **found;
+  const auto tellEnd = [this](const DownloadRecord& ended) {
+    tell([ended](DownloadDesk& desk) { desk.ended(ended); });
+  };
   // While this program waited for its turn, another one may have resumed and ended the download.
-  if (!isFinal(record.state)) {
-    const auto reachable = madeReachable(record, _outsideFiles);
-    tell([record](DownloadDesk& desk) { desk.started(record); });
-    filer.file(
-        record,
-        [this, id](const DownloadProgress& progress) {
-          tell([id, progress](DownloadDesk& desk) { desk.progressed(id, progress); });
-        },
-        stop);
-  }
-  if (!isFinal(record.state)) return;
-  if (const auto failure = releaseArtwork(record.artwork, catalogue, _artwork)) NSLog(failure->reason);
-  tell([record](DownloadDesk& desk) { desk.ended(record); });
+  if (isFinal(record.state)) return tellEnd(record);
+  const auto reachable = madeReachable(record, _outsideFiles);
+  tell([record](DownloadDesk& desk) { desk.started(record); });
+  const auto tellProgress = [this, id](const DownloadProgress& progress) {
+    tell([id, progress](DownloadDesk& desk) { desk.progressed(id, progress); });
+  };
+  filer.file(record, tellProgress, stop, tellEnd);
 }
 
 MaybeFailure DownloadWorker::waitForServer(const std::stop_token& stop) {

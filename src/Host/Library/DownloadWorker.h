@@ -39,7 +39,7 @@ class DownloadWorker {
 
  private:
   void run(const std::stop_token& stop);
-  void runWith(Catalogue& catalogue, const std::stop_token& stop);
+  void runWith(Catalogue& catalogue, Catalogue& placing, const std::stop_token& stop);
   void refuseAll(const Failure& failure, const std::stop_token& stop);
   void waitForTurn(Catalogue& catalogue, const std::stop_token& stop);
   void work(DownloadID id, Catalogue& catalogue, SongFiler& filer, const std::stop_token& stop);

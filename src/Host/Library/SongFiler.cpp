@@ -1,80 +1,77 @@
 #include "Host/Library/SongFiler.h"
 
-#include <future>
 #include <utility>
 
-#include "Host/Library/SongFolder.h"
+#include "Host/Library/Settling.h"
 #include "Host/Library/StoredSong.h"
+#include "Platform/Foundation/NSLog.h"
 
 namespace quaverly::library {
 namespace {
 
-void markDuplicate(DownloadRecord& record, const FilingPlan& plan) {
-  record.state = DownloadState::duplicate;
-  record.libraryPath = *plan.duplicateOf;
-  record.reason = "The library has this song already.";
-}
-
-SongRecord songOf(const DownloadRecord& record, const SongOffer& offer, const FilingPlan& plan,
-                  const PartFile& part) {
-  SongRecord song;
-  song.path = plan.path;
-  song.tags = plan.after;
-  song.audio = offer.audio;
-  song.cover = plan.cover;
-  song.size = part.length();
-  song.download = record.id;
-  return song;
+void markFailed(DownloadRecord& record, const Failure& failure) {
+  record.state = DownloadState::failed;
+  record.reason = failure.reason;
+  record.libraryPath.clear();
 }
 
 }  // namespace
 
-SongFiler::SongFiler(const LibrarySettings& settings, Catalogue& catalogue, const ArtworkStore& artwork,
-                     const FetchLimits& limits, std::function<MaybeFailure()> beforeFetch)
-    : _settings(settings),
-      _catalogue(catalogue),
-      _artwork(artwork),
-      _planner(settings.libraryFolder, catalogue),
+SongFiler::SongFiler(const Ground& ground, const FetchLimits& limits,
+                     std::function<MaybeFailure()> beforeFetch)
+    : _ground(ground),
+      _planner(ground.settings.libraryFolder, ground.catalogue),
+      _placer(ground.settings.libraryFolder, ground.placing),
       _limits(limits),
       _beforeFetch(std::move(beforeFetch)) {}
 
-void SongFiler::file(DownloadRecord& record, const SongReceiver::OnProgress& onProgress,
-                     const std::stop_token& stop) {
+void SongFiler::file(DownloadRecord record, const SongReceiver::OnProgress& onProgress,
+                     const std::stop_token& stop, const OnEnd& onEnd) {
   record.state = DownloadState::fetching;
   record.reason.clear();
-  if (const auto failure = tryFile(record, onProgress, stop)) {
-    const bool givenUp = stop.stop_requested() && record.state == DownloadState::fetching;
-    record.state = givenUp ? DownloadState::queued : DownloadState::failed;
-    record.reason = givenUp ? "" : failure->reason;
-    record.libraryPath.clear();
+  auto song = fetchUnlessDuplicate(record, onProgress, stop);
+  finish();
+  if (song && *song) {
+    _placing = std::async(std::launch::async, [this, song = std::move(**song), record, onEnd]() mutable {
+      place(std::move(song), std::move(record), onEnd);
+    });
+    return;
   }
-  if (record.state == DownloadState::filed) return;
-  if (const auto failure = _catalogue.update(record)) record.reason += " " + failure->reason;
+  if (!song) markFailed(record, song.failure());
+  if (!song && stop.stop_requested()) {
+    record.state = DownloadState::queued;
+    record.reason.clear();
+  }
+  conclude(std::move(record), _ground.catalogue, onEnd);
 }
 
-MaybeFailure SongFiler::tryFile(DownloadRecord& record, const SongReceiver::OnProgress& onProgress,
-                                const std::stop_token& stop) {
-  const auto artwork = artworkOf(record, _artwork);
+void SongFiler::finish() {
+  if (_placing.valid()) _placing.get();
+}
+
+Result<std::optional<SongFiler::Whole>> SongFiler::fetchUnlessDuplicate(
+    DownloadRecord& record, const SongReceiver::OnProgress& onProgress, const std::stop_token& stop) {
+  const auto artwork = artworkOf(record, _ground.artwork);
   if (!artwork) return artwork.failure();
-  const auto offer = offerSong(record.sourcePath, record.metadata.tags(), *artwork);
+  auto offer = offerSong(record.sourcePath, record.metadata.tags(), *artwork);
   if (!offer) return offer.failure();
   record.bytes = offer->file.length;
-  auto plan = _planner.plan(*offer);
+  const auto plan = _planner.plan(*offer);
   if (!plan) return plan.failure();
   if (plan->duplicateOf) {
     markDuplicate(record, *plan);
-    return std::nullopt;
+    return std::optional<Whole>();
   }
-  if (auto failure = _catalogue.update(record)) return failure;
-  auto part = fetched(record, *offer, onProgress, stop);
+  if (auto failure = _ground.catalogue.update(record)) return *failure;
+  auto part = fetchInto(record, *offer, onProgress, stop);
   if (!part) return part.failure();
-  return place(*part, *offer, std::move(*plan), record);
+  return std::optional(Whole{std::move(*offer), std::move(*part)});
 }
 
-Result<PartFile> SongFiler::fetched(const DownloadRecord& record, const SongOffer& offer,
-                                    const SongReceiver::OnProgress& onProgress,
-                                    const std::stop_token& stop) const {
-  auto part = PartFile::create(_settings.libraryFolder);
+Result<PartFile> SongFiler::fetchInto(const DownloadRecord& record, const SongOffer& offer,
+                                      const SongReceiver::OnProgress& onProgress,
+                                      const std::stop_token& stop) const {
+  auto part = PartFile::create(_ground.settings.libraryFolder);
   if (!part) return part.failure();
   SongReceiver receiver(offer, *part, onProgress, stop);
   if (auto failure = receiver.begin()) return *failure;
@@ -88,40 +85,23 @@ Result<PartFile> SongFiler::fetched(const DownloadRecord& record, const SongOffe
   return part;
 }
 
-MaybeFailure SongFiler::place(PartFile& part, const SongOffer& offer, FilingPlan plan,
-                              DownloadRecord& record) {
-  for (;;) {
-    const auto placing = placeAs(plan, offer, part, record);
-    if (!placing) return placing.failure();
-    if (*placing == PartFile::Placing::placed) return std::nullopt;
-    // Somebody took the name since it was chosen.
-    auto next = _planner.plan(offer);
-    if (!next) return next.failure();
-    plan = std::move(*next);
-  }
+/// Of a song that could not be placed nothing is left afterwards.
+MaybeFailure SongFiler::tryPlace(Whole song, DownloadRecord& record) {
+  return _placer.place(song.part, song.offer, record);
 }
 
-Result<PartFile::Placing> SongFiler::placeAs(const FilingPlan& plan, const SongOffer& offer, PartFile& part,
-                                             DownloadRecord& record) {
-  const auto folder = SongFolder::make(_settings.libraryFolder, plan.artistFolder, plan.albumFolder);
-  if (!folder) return folder.failure();
-  const SongRecord song = songOf(record, offer, plan, part);
-  record.state = DownloadState::placing;
-  record.libraryPath = plan.path;
-  record.reason = plan.namesake ? "Another song has this name already: " + *plan.namesake : "";
-  // Two flushes at once: the file system makes one of them.
-  auto flushed = std::async(std::launch::async, [&part] { return part.flush(); });
-  const auto intended = _catalogue.intend(record, song);
-  if (auto failure = flushed.get()) return *failure;
-  if (intended) return *intended;
-  auto placing = part.placeAs(plan.path);
-  if (!placing || *placing == PartFile::Placing::nameTaken) return placing;
-  // From here on the song is in the library, and the intention tells the next start so, come what may.
-  auto trouble = folder->flush();
-  record.state = DownloadState::filed;
-  if (auto failure = _catalogue.file(record, song)) trouble = failure;
-  if (trouble) record.reason = "The song is filed, but: " + trouble->reason;
-  return placing;
+void SongFiler::place(Whole song, DownloadRecord record, const OnEnd& onEnd) {
+  if (const auto failure = tryPlace(std::move(song), record)) markFailed(record, *failure);
+  conclude(std::move(record), _ground.placing, onEnd);
+}
+
+void SongFiler::conclude(DownloadRecord record, Catalogue& catalogue, const OnEnd& onEnd) const {
+  if (record.state != DownloadState::filed) {
+    if (const auto failure = catalogue.update(record)) record.reason += " " + failure->reason;
+  }
+  if (!isFinal(record.state)) return;
+  if (const auto failure = releaseArtwork(record.artwork, catalogue, _ground.artwork)) NSLog(failure->reason);
+  onEnd(record);
 }
 
 }  // namespace quaverly::library
