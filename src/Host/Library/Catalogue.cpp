@@ -191,14 +191,12 @@ MaybeFailure Catalogue::update(const DownloadRecord& record) {
 }
 
 MaybeFailure Catalogue::intend(const DownloadRecord& record, const SongRecord& song) {
-  if (auto failure = _database->run("PRAGMA synchronous = FULL")) return failure;
-  auto failure = _database->transact([&]() -> MaybeFailure {
+  const auto failure = _database->transact([&]() -> MaybeFailure {
     if (auto problem = forgetIntention(*_database, record.id)) return problem;
     if (auto problem = insertSong(*_database, song, std::nullopt)) return problem;
     return update(record);
   });
-  auto relaxed = _database->run("PRAGMA synchronous = NORMAL");
-  return failure ? failure : relaxed;
+  return failure ? failure : _database->flush();
 }
 
 Result<std::optional<SongRecord>> Catalogue::intention(DownloadID id) {

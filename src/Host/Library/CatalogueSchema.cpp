@@ -77,7 +77,8 @@ MaybeFailure probeTables(Database& database) {
 }  // namespace
 
 MaybeFailure prepareCatalogue(Database& database) {
-  // With a write-ahead log a commit is one append, readers never wait, and only `intend` asks for a flush.
+  // With a write-ahead log a commit is one append, readers never wait, and what must be
+  // safe is flushed by itself.
   if (auto failure = database.runPatiently("PRAGMA journal_mode = WAL")) return failure;
   if (auto failure = database.run("PRAGMA synchronous = NORMAL")) return failure;
   const auto version = versionOf(database);

@@ -1,9 +1,14 @@
 #include "Host/Library/Database.h"
 
 #include <sqlite3.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <thread>
+
+#include "Host/Library/FileDescriptor.h"
+#include "Host/Library/SystemFailure.h"
 
 namespace quaverly::library {
 namespace {
@@ -147,6 +152,13 @@ MaybeFailure Database::transact(const std::function<MaybeFailure()>& work) {
 
 int64_t Database::lastInsertedRow() const {
   return sqlite3_last_insert_rowid(_database.get());
+}
+
+MaybeFailure Database::flush() const {
+  // Commits lie in the write-ahead log, or else were flushed into the database with it.
+  const auto log = FileDescriptor::openForReading(_path + "-wal");
+  if (log && fdatasync(log.get()) == 0) return std::nullopt;
+  return systemFailure("The catalogue " + _path + " cannot be written", errno);
 }
 
 Failure Database::failureOf(int code) const {

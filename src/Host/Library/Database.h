@@ -62,6 +62,9 @@ class Database {
   /// fails, nothing.
   MaybeFailure transact(const std::function<MaybeFailure()>& work);
   int64_t lastInsertedRow() const;
+  /// Returns when everything that was committed before is safe on the disk. Unlike a commit that is flushed
+  /// by SQLite, it keeps nobody from writing meanwhile.
+  MaybeFailure flush() const;
 
   /// A SQLite result code as a sentence about this database.
   Failure failureOf(int code) const;

@@ -97,8 +97,6 @@ MaybeFailure PartFile::append(std::span<const std::byte> bytes) {
 
 MaybeFailure PartFile::write(std::span<const std::byte> bytes) {
   if (const int error = _file.writeAll(bytes)) return failure(error);
-  sync_file_range(_file.get(), static_cast<off64_t>(_written), static_cast<off64_t>(bytes.size()),
-                  SYNC_FILE_RANGE_WRITE);
   _written += bytes.size();
   return std::nullopt;
 }

@@ -23,7 +23,7 @@ class PartFile {
 
   /// Asks the file system for room, so that a full disk shows before anything is fetched.
   MaybeFailure reserve(uint64_t length);
-  /// Appends, in large pieces; a failure may show only later. The disk starts to work while more comes.
+  /// Appends, in large pieces; a failure may show only later.
   MaybeFailure append(std::span<const std::byte> bytes);
   /// Writes what was appended and cuts what was reserved beyond it.
   MaybeFailure finish();

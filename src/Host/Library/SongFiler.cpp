@@ -80,13 +80,13 @@ Result<PartFile> SongFiler::fetchInto(const DownloadRecord& record, const SongOf
   if (receiver.failure()) return *receiver.failure();
   if (!bytes) return bytes.failure();
   if (auto failure = receiver.end()) return *failure;
-  if (auto failure = tagStored(*part, offer)) return *failure;
-  if (auto failure = checkStored(*part, offer)) return *failure;
   return part;
 }
 
 /// Of a song that could not be placed nothing is left afterwards.
 MaybeFailure SongFiler::tryPlace(Whole song, DownloadRecord& record) {
+  if (auto failure = tagStored(song.part, song.offer)) return failure;
+  if (auto failure = checkStored(song.part, song.offer)) return failure;
   return _placer.place(song.part, song.offer, record);
 }
 

@@ -18,8 +18,8 @@ namespace quaverly::library {
 
 /// Files songs into the library: measures a source, fetches it into a part file, checks what was stored, and
 /// gives it its name. Whatever happens, and whenever the program or the machine stops, the library holds the
-/// whole song or nothing of it. One song is fetched at a time and one is placed, so that the next one comes
-/// while the disk works on the last. Blocks; a worker's.
+/// whole song or nothing of it. One song is fetched at a time and one is checked and placed, so that the next
+/// one comes while the disk works on the last. Blocks; a worker's.
 class SongFiler {
  public:
   /// What it stands on, all of which must outlive it.
