@@ -9,6 +9,7 @@
 #include "Externals/HTTPServer/HTTPServer.h"
 #include "Host/Library/ServiceUnderTest.h"
 #include "Host/Library/TestPeer.h"
+#include "Support/AudioFiles.h"
 #include "Support/TagBytes.h"
 
 namespace quaverly::library {
@@ -426,6 +427,34 @@ TEST_F(DownloadServiceTest, ADownloadThatAnotherServiceResumedIsReportedAsItEnde
   ServiceUnderTest::runUntil([&] { return !recorder.ended.empty(); });
   EXPECT_EQ(recorder.ended[0].state, DownloadState::filed);
   EXPECT_EQ(under.songs().size(), 2U);
+}
+
+TEST_F(DownloadServiceTest, OtherKindsAreToldByTheirContentAndFiledUnderTheirOwnEnding) {
+  for (const std::string ending : {"flac", "ogg", "opus", "m4a"}) {
+    const auto encoded =
+        quaverly::test::encode(under.folder(), "song." + ending, {"title=Old", "artist=Somebody"});
+    const auto bytes = contentsOf(encoded);
+    const auto record =
+        under.import({media(ending + ".mp3", bytes), {.title = "New " + ending, .artist = "Artist"}});
+    EXPECT_EQ(record.state, DownloadState::filed) << ending << ": " << record.reason;
+    EXPECT_EQ(record.libraryPath, under.inLibrary("Artist/Unknown Album/New " + ending + "." + ending));
+    EXPECT_EQ(tagsOf(record.libraryPath), (SongTags{.title = "New " + ending, .artist = "Artist"}));
+    EXPECT_EQ(contentsOf(host), bytes);
+    EXPECT_EQ(under.import({media("again.mp3", bytes), {.title = "New " + ending, .artist = "Artist"}}).state,
+              DownloadState::duplicate);
+  }
+}
+
+TEST_F(DownloadServiceTest, TheSameSongTwiceInOneGoIsFiledOnce) {
+  const auto path = media("song.mp3", songBytes(1));
+  for (int i = 0; i < 3; ++i) under.add({path, someTags});
+  under.add({media("other.mp3", songBytes(2)), someTags});
+  under.runUntilEnded(4);
+  std::vector<DownloadState> states;
+  for (const auto& record : under.recorder().ended) states.push_back(record.state);
+  EXPECT_THAT(states, ElementsAre(DownloadState::filed, DownloadState::duplicate, DownloadState::duplicate,
+                                  DownloadState::filed));
+  EXPECT_THAT(under.songs(), ElementsAre("Artist/Album/07 Title (2).mp3", "Artist/Album/07 Title.mp3"));
 }
 
 TEST_F(DownloadServiceTest, TheServerIsStartedWhenItIsIdle) {
