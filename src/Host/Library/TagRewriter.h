@@ -38,13 +38,15 @@ std::optional<ContentHash> audioHash(int descriptor, const SongFile& song);
 /// A rewritten MPEG file is `head`, then the source's audio bytes as they are, then `tail`.
 struct RewrittenMpeg {
   std::string head;  ///< the new ID3v2 tag with its padding; empty when there is nothing to say
-  std::string tail;  ///< what followed the audio, its ID3v1 tag kept in step
+  std::string tail;  ///< what followed the audio, its tags kept in step
   SongTags tags;     ///< what a reader will find
 };
 
 /// Plans the new tags of an MPEG file. Frames that `tags` and `artwork` do not speak of stay byte for byte,
 /// in the tag version found (2.3 for a file without a tag); a frame that already reads to the wanted value
-/// stays as written. Nothing when reading fails.
+/// stays as written, and so does a picture whose staged form `artwork` is. APE tags and ID3v1 behind the audio
+/// are kept in step. Nothing when reading fails, when the file is no longer as it was inspected, and when the
+/// tag would be longer than its version allows.
 std::optional<RewrittenMpeg> rewriteMpeg(int descriptor, const SongFile& song, const SongTags& tags,
                                          const ArtworkChange& artwork);
 

@@ -66,9 +66,8 @@ std::string valueOf(const SongTags& tags, Field field) {
 }
 
 bool readsTo(std::string_view wanted, Field field, std::string_view written) {
-  if (field != &TagContents::track && field != &TagContents::year) return written == wanted;
-  const int32_t number = NSStringIntValue(wanted);
-  return numberRead(field, written) == number || (number > 0 && NSStringIntValue(written) == number);
+  const bool isNumber = field == &TagContents::track || field == &TagContents::year;
+  return written == wanted || (isNumber && numberRead(field, written) == NSStringIntValue(wanted));
 }
 
 SongTags songTagsOf(const std::vector<TagContents>& groups) {

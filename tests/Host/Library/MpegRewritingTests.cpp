@@ -100,6 +100,11 @@ TEST(RewriteMpeg, ValuesThatReadToTheSameStayAsWritten) {
     EXPECT_EQ(framesOf(RewrittenSong(tag(4, frames) + mpegFrames(), tags)), frames);
 }
 
+TEST(RewriteMpeg, ANumberThatAReaderTakesForNoneIsWrittenAnew) {
+  EXPECT_EQ(framesOf(RewrittenSong(tag(3, textFrame(3, "TRCK", "3.12")) + mpegFrames(), {.trackNumber = 3})),
+            textFrame(3, "TRCK", "3"));
+}
+
 TEST(RewriteMpeg, WhatReadsToNothingStaysWhereNothingIsWanted) {
   const auto frames =
       textFrame(3, "TYER", "99") + textFrame(3, "TRCK", "A1") + frame(3, "TIT2", "encrypted", 0x0040);
