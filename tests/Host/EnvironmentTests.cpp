@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <map>
 
 #include "Host/Environment/DeviceFacts.h"
+#include "Host/Environment/ProcessLimits.h"
 #include "Support/TemporaryFolder.h"
 
 namespace quaverly::host {
@@ -82,6 +84,17 @@ TEST(TimeZoneName, IsTheEnvironmentsThenTheMachines) {
   EXPECT_EQ(timeZoneName(with({}), etc.path()), "Europe/Berlin");
   std::filesystem::create_symlink("/usr/share/zoneinfo/America/New_York", etc.path() / "localtime");
   EXPECT_EQ(timeZoneName(with({}), etc.path()), "America/New_York");
+}
+
+TEST(DescriptorLimit, IsRaisedAsFarAsIsAllowed) {
+  rlimit limit{.rlim_cur = 64, .rlim_max = 0};
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  limit.rlim_max = std::min<rlim_t>(before.rlim_max, 4096);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+  raiseDescriptorLimit();
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+  EXPECT_EQ(limit.rlim_cur, limit.rlim_max);
 }
 
 TEST(SystemVersion, IsThatOfTheRelease) {

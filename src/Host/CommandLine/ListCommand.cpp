@@ -1,8 +1,4 @@
-#include <dirent.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <nlohmann/json.hpp>
 #include <optional>
 
@@ -10,6 +6,7 @@
 #include "Host/CommandLine/Commands.h"
 #include "Host/CommandLine/HostDevice.h"
 #include "Platform/Device/Device.h"
+#include "Platform/Foundation/NSFileManager.h"
 #include "Platform/Foundation/NSString.h"
 
 namespace quaverly::commandline {
@@ -26,18 +23,11 @@ std::string deviceFolder(const std::string& path, const HostDevice& device) {
   return MountTable::canonical(NSStringByAppendingPathComponent(device.mediaPath, path));
 }
 
-/// Why a device folder cannot be listed, or nothing.
+/// Why a device folder cannot be listed, or nothing. The screen itself does not tell.
 std::optional<std::string> problemWith(const std::string& folder) {
-  const auto& mounts = Device::current().mounts;
-  if (mounts.isOnTheWay(folder)) return std::nullopt;
-  const auto location = mounts.resolve(folder);
-  if (!location) return "There is no such folder on the device. Name one under the media folder.";
-  if (DIR* listing = opendir(location->hostPath.c_str())) {
-    closedir(listing);
-    return std::nullopt;
-  }
-  return std::string("It cannot be listed (") + std::strerror(errno) +
-         "). Name another folder, or another --media.";
+  Ref<NSError> error;
+  if (NSFileManager::defaultManager().contentsOfDirectoryAtPath(folder, &error)) return std::nullopt;
+  return error->localizedDescription() + ". Name another folder, or another --media.";
 }
 
 JsonObject object(const FileItem& item) {
@@ -80,7 +70,7 @@ ExitStatus runList(const Console& console, const CommonOptions& common, const st
   browser->loadView();
   const auto items = path.empty() ? browser->fileItems() : browser->ItemsInFolder(folder);
   print(console, *browser, items);
-  const auto problem = problemWith(folder);
+  const auto problem = items.empty() ? problemWith(folder) : std::nullopt;
   if (problem) console.problem(path.empty() ? device.media().string() : path, *problem);
   return problem ? ExitStatus::failed : ExitStatus::done;
 }

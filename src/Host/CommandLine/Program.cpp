@@ -6,6 +6,7 @@
 
 #include "Host/CommandLine/Commands.h"
 #include "Host/CommandLine/HostDevice.h"
+#include "Host/Environment/ProcessLimits.h"
 #include "Host/Environment/UserFolders.h"
 #include "Platform/Foundation/NSLog.h"
 #include "Platform/Foundation/NSString.h"
@@ -115,6 +116,7 @@ int run(const Command& command, const CommonOptions& common) {
 }  // namespace
 
 int runProgram(int argumentCount, char** arguments) {
+  host::raiseDescriptorLimit();
   CommonOptions common = defaultOptions();
   ImportOptions import;
   std::string path;
