@@ -18,8 +18,8 @@ void ConnectionObserver::accepted(const NSNotification& notification) {
   const auto item = notification.userInfo().find(NSFileHandleNotificationFileHandleItem);
   ASSERT_NE(item, notification.userInfo().end());
   connections.emplace_back(static_cast<NSFileHandle*>(item->second.get()));
-  NSNotificationCenter::defaultCenter().addObserver(this, &ConnectionObserver::dataAvailable,
-                                                    NSFileHandleDataAvailableNotification, item->second.get());
+  NSNotificationCenter::defaultCenter().addObserver(
+      this, &ConnectionObserver::dataAvailable, NSFileHandleDataAvailableNotification, item->second.get());
 }
 
 NSFileHandleFixture::NSFileHandleFixture() {

@@ -44,9 +44,9 @@ struct RewrittenMpeg {
 
 /// Plans the new tags of an MPEG file. Frames that `tags` and `artwork` do not speak of stay byte for byte,
 /// in the tag version found (2.3 for a file without a tag); a frame that already reads to the wanted value
-/// stays as written, and so does a picture whose staged form `artwork` is. APE tags and ID3v1 behind the audio
-/// are kept in step. Nothing when reading fails, when the file is no longer as it was inspected, and when the
-/// tag would be longer than its version allows.
+/// stays as written, and so does a picture whose staged form `artwork` is. APE tags and ID3v1 behind the
+/// audio are kept in step. Nothing when reading fails, when the file is no longer as it was inspected, and
+/// when the tag would be longer than its version allows.
 std::optional<RewrittenMpeg> rewriteMpeg(int descriptor, const SongFile& song, const SongTags& tags,
                                          const ArtworkChange& artwork);
 
