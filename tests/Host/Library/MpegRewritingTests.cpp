@@ -101,8 +101,8 @@ TEST(RewriteMpeg, ValuesThatReadToTheSameStayAsWritten) {
 }
 
 TEST(RewriteMpeg, ANumberThatAReaderTakesForNoneIsWrittenAnew) {
-  EXPECT_EQ(framesOf(RewrittenSong(tag(3, textFrame(3, "TRCK", "3.12")) + mpegFrames(), {.trackNumber = 3})),
-            textFrame(3, "TRCK", "3"));
+  EXPECT_EQ(framesOf(RewrittenSong(tag(3, textFrame(3, "TYER", "99")) + mpegFrames(), {.year = 99})),
+            textFrame(3, "TYER", "0099"));
 }
 
 TEST(RewriteMpeg, WhatReadsToNothingStaysWhereNothingIsWanted) {
