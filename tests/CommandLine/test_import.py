@@ -47,6 +47,15 @@ class Import(ProgramTest):
         self.assertEqual(again.object["path"], str(self.library / LANTERN_PATH))
         self.assertEqual(self.songs(), [LANTERN_PATH])
 
+    def test_a_song_that_only_the_disk_knows_is_there_already_all_the_same(self):
+        self.run_program("import", LANTERN)
+        shutil.rmtree(self.data)
+        again = self.run_program("import", LANTERN, "--json").object
+        self.assertEqual((again["state"], again["path"]), ("duplicate", str(self.library / LANTERN_PATH)))
+        other = self.run_program("import", LANTERN, "--year", "1999", "--json").object
+        self.assertEqual((other["state"], self.songs()),
+                         ("filed", [LANTERN_PATH.replace(".mp3", " (2).mp3"), LANTERN_PATH]))
+
     def test_other_audio_under_the_same_name_gets_a_number(self):
         names = ["--title", "T", "--artist", "A", "--album", "L", "--track", "1"]
         self.run_program("import", LANTERN, *names)

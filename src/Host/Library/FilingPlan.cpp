@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "Host/Library/ContentHasher.h"
+#include "Host/Library/FileDescriptor.h"
 #include "Host/Library/FileNames.h"
 #include "Platform/Foundation/NSString.h"
 
@@ -71,6 +72,26 @@ bool isRegularFile(const std::string& path) {
   return stat(path.c_str(), &attributes) == 0 && S_ISREG(attributes.st_mode);
 }
 
+bool willHaveArtwork(const SongOffer& offer) {
+  switch (offer.artwork.kind) {
+    case ArtworkChange::Kind::keep:
+      return offer.file.hasArtwork;
+    case ArtworkChange::Kind::remove:
+      return false;
+    case ArtworkChange::Kind::replace:
+      return true;
+  }
+  return false;
+}
+
+/// Whether a file of the library is the song that would be filed.
+bool holdsSameSong(const std::string& path, const SongOffer& offer) {
+  const auto file = FileDescriptor::openForReading(path);
+  const auto song = file && file.isRegularFile() ? inspectSong(file.get()) : std::nullopt;
+  return song && song->tags == offer.after && song->hasArtwork == willHaveArtwork(offer) &&
+         audioHash(file.get(), *song) == offer.audio;
+}
+
 }  // namespace
 
 FilingPlanner::FilingPlanner(std::string libraryFolder, Catalogue& catalogue)
@@ -118,6 +139,11 @@ Result<std::optional<std::string>> FilingPlanner::sameSong(const SongOffer& offe
   for (const auto& song : *songs) {
     if (song.tags == plan.after && song.cover == plan.cover && isFiledHere(song))
       return std::optional(song.path);
+  }
+  const auto isNamesake = [&](const SongRecord& song) { return song.path == plan.namesake; };
+  // Filed before the catalogue was lost, or put there by hand.
+  if (plan.namesake && std::ranges::none_of(*songs, isNamesake) && holdsSameSong(*plan.namesake, offer)) {
+    return plan.namesake;
   }
   for (const auto& song : _promises) {
     if (song.audio == offer.audio && song.tags == plan.after && song.cover == plan.cover) {
