@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Cores/QVImporter.h"
@@ -19,10 +20,17 @@ using Value = SSDownloadMetadata::Value;
 class KeepingService : public SSDownloadService {
  public:
   KeepingService() { SSDownloadManager::registerService(this); }
-  ~KeepingService() override { SSDownloadManager::registerService(nullptr); }
+  ~KeepingService() override {
+    completeAll();
+    SSDownloadManager::registerService(nullptr);
+  }
   void addDownloads(const std::vector<Ref<SSDownload>>& downloads) override {
     batches.push_back(downloads.size());
     kept.insert(kept.end(), downloads.begin(), downloads.end());
+  }
+  /// Ends the lives of the downloads, which hold themselves until then.
+  void completeAll() {
+    for (const auto& download : std::exchange(kept, {})) download->complete();
   }
   std::vector<size_t> batches;
   std::vector<Ref<SSDownload>> kept;
@@ -137,7 +145,7 @@ TEST_F(QVImporterTest, NumbersAreReadAsThePlatformReadsDecimalText) {
                                                                              {"99999999999", INT32_MAX},
                                                                              {"-99999999999", INT32_MIN}};
   for (const auto& [text, number] : cases) {
-    service.kept.clear();
+    service.completeAll();
     importer = make<QVImporter>();
     importer->setIndexInCollection(text);
     importer->setReleaseYear(text);
@@ -152,7 +160,7 @@ TEST_F(QVImporterTest, AnItemIdentifierNeedsAVersionThatReadsAsMoreThan83InSingl
                                                            {"8.3", true},  {"8.3.1", true}, {"8.4", true},
                                                            {"10.0", true}, {"", false}};
   for (const auto& [version, takes] : cases) {
-    service.kept.clear();
+    service.completeAll();
     device->systemVersion = version;
     importer->setItemID("42");
     importer->import();
@@ -191,7 +199,7 @@ TEST_F(QVImporterTest, HandsOverOneDownloadWithOneAsset) {
 TEST_F(QVImporterTest, CompletionEndsTheLifeOfDownloadAndAsset) {
   importer->import();
   importer = nullptr;
-  auto download = std::move(service.kept[0]);
+  auto download = std::exchange(service.kept, {})[0];
   auto asset = download->assetForType("media");
   EXPECT_EQ(download->retainCount(), 2U);  // ours and the callback's
   EXPECT_EQ(asset->retainCount(), 3U);     // ours, the download's and the callback's
