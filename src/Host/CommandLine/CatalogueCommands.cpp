@@ -1,3 +1,4 @@
+#include <array>
 #include <chrono>
 #include <nlohmann/json.hpp>
 

@@ -107,13 +107,13 @@ Failure failureOf(CURLcode code, CURL* transfer) {
 
 Result<uint64_t> fetch(const std::string& url, const FetchLimits& limits, BodyReceiver& receiver) {
   initializeOnce();
+  const List addresses(curl_slist_append(nullptr, localAddress));  // outlives the transfer, which borrows it
   const Transfer transfer(curl_easy_init());
   if (!transfer) return Failure{"There is not enough memory to fetch the song."};
   curl_easy_setopt(transfer.get(), CURLOPT_URL, url.c_str());
   keepToThisMachine(transfer.get());
   setLimits(transfer.get(), limits);
   setReceiver(transfer.get(), receiver);
-  const List addresses(curl_slist_append(nullptr, localAddress));
   curl_easy_setopt(transfer.get(), CURLOPT_RESOLVE, addresses.get());
   const CURLcode code = curl_easy_perform(transfer.get());
   if (code != CURLE_OK) return failureOf(code, transfer.get());

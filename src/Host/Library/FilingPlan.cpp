@@ -103,7 +103,6 @@ Result<FilingPlan> FilingPlanner::plan(const SongOffer& offer) const {
   FilingPlan plan;
   plan.before = offer.file.tags;
   plan.after = offer.after;
-  plan.artwork = offer.artwork.kind;
   plan.cover = coverOf(offer);
   chooseName(offer, longestName, plan);
   auto same = sameSong(offer, plan);

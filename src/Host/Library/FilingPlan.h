@@ -17,10 +17,9 @@ struct FilingPlan {
   std::string artistFolder;  ///< a name, as are the next two
   std::string albumFolder;
   std::string fileName;
-  std::string path;  ///< all of it, absolute
-  SongTags before;   ///< as a reader finds them in the source
-  SongTags after;    ///< as a reader will find them in the library
-  ArtworkChange::Kind artwork = ArtworkChange::Kind::keep;
+  std::string path;                        ///< all of it, absolute
+  SongTags before;                         ///< as a reader finds them in the source
+  SongTags after;                          ///< as a reader will find them in the library
   std::string cover;                       ///< as in `SongRecord`
   std::optional<std::string> duplicateOf;  ///< the same song in the library: nothing will be filed
   std::optional<std::string> namesake;     ///< another song that has the name already: this one gets a number
