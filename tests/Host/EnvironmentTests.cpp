@@ -97,6 +97,21 @@ TEST(DescriptorLimit, IsRaisedAsFarAsIsAllowed) {
   EXPECT_EQ(limit.rlim_cur, limit.rlim_max);
 }
 
+TEST(FontFiles, AreThoseThatAreInstalled) {
+  const test::TemporaryFolder fonts;
+  EXPECT_TRUE(fontFiles(fonts.path()).empty());
+  const auto thin = fonts.write("opentype/inter/Inter-Thin.otf", "x");
+  const auto older = fonts.write("truetype/liberation/LiberationSans-Regular.ttf", "x");
+  EXPECT_THAT(fontFiles(fonts.path()),
+              ElementsAre(testing::Pair("Arial", older), testing::Pair("HelveticaNeue-UltraLight", thin)));
+  const auto newer = fonts.write("truetype/liberation2/LiberationSans-Regular.ttf", "x");
+  EXPECT_EQ(fontFiles(fonts.path()).at("Arial"), newer);
+}
+
+TEST(FontFiles, OfThisMachineAreAllThree) {
+  EXPECT_EQ(fontFiles().size(), 3U);
+}
+
 TEST(SystemVersion, IsThatOfTheRelease) {
   const test::TemporaryFolder etc;
   EXPECT_EQ(systemVersion(etc.write("a", "NAME=x\nVERSION_ID=\"12\"\n")), "12");

@@ -10,7 +10,8 @@
 namespace quaverly::test {
 
 /// A device on temporary folders and virtual time, current while it lives: the media folder, the temporary
-/// folder of the bundle and the bundle itself are mounted at their usual paths.
+/// folder of the bundle and the bundle itself are mounted at their usual paths. Its fonts are the installed
+/// ones.
 class TestDevice {
  public:
   TestDevice();

@@ -33,6 +33,7 @@ void fillFacts(Device& device, const fs::path& bundle) {
   device.timeZoneName = host::timeZoneName(host::processEnvironment);
   device.preferredLanguages = host::preferredLanguages(host::processEnvironment, bundle);
   device.systemVersion = host::systemVersion();
+  device.fontFiles = host::fontFiles();
   device.random = [] {
     static std::random_device source;
     return static_cast<uint32_t>(source());

@@ -107,6 +107,21 @@ std::string systemVersion(const fs::path& osRelease) {
   return "0";
 }
 
+std::map<std::string, std::string, std::less<>> fontFiles(const fs::path& fonts) {
+  constexpr std::array<std::pair<const char*, const char*>, 4> places{{
+      {"Arial", "truetype/liberation2/LiberationSans-Regular.ttf"},
+      {"Arial", "truetype/liberation/LiberationSans-Regular.ttf"},
+      {"HelveticaNeue", "opentype/inter/Inter-Regular.otf"},
+      {"HelveticaNeue-UltraLight", "opentype/inter/Inter-Thin.otf"},
+  }};
+  std::map<std::string, std::string, std::less<>> files;
+  for (const auto& [name, place] : places) {
+    std::error_code ignored;
+    if (fs::is_regular_file(fonts / place, ignored)) files.emplace(name, fonts / place);
+  }
+  return files;
+}
+
 fs::path bundleFolder() {
   std::error_code ignored;
   const fs::path program = fs::read_symlink("/proc/self/exe", ignored);

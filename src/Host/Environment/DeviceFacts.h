@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,11 @@ std::string timeZoneName(const Environment& environment, const std::filesystem::
 
 /// VERSION_ID of os-release; "0" where it has none.
 std::string systemVersion(const std::filesystem::path& osRelease = "/etc/os-release");
+
+/// The files for the device's fonts by their names, those that are installed: Liberation Sans for "Arial",
+/// Inter for "HelveticaNeue" and its "HelveticaNeue-UltraLight".
+std::map<std::string, std::string, std::less<>> fontFiles(
+    const std::filesystem::path& fonts = "/usr/share/fonts");
 
 /// The settings bundle that belongs to this program: beside it in a build or an installation
 /// (../share/quaverly/QuaverlySettings.bundle).

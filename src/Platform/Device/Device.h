@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -30,6 +31,9 @@ struct Device {
   std::string systemVersion = "8.4";
   /// Uniformly random 32-bit numbers.
   std::function<uint32_t()> random = [] { return 0U; };
+
+  /// The host's files for the fonts by their names, to measure text with; "Arial" serves for all others.
+  std::map<std::string, std::string, std::less<>> fontFiles;
 
   /// Classes and framework paths that this device lacks.
   std::set<std::string, std::less<>> absentClasses;
