@@ -3,11 +3,13 @@
 #include <turbojpeg.h>
 
 #include <array>
+#include <filesystem>
 
 #include "Platform/UIKit/UIImage.h"
 #include "Support/AudioFiles.h"
 #include "Support/Command.h"
 #include "Support/TagBytes.h"
+#include "Support/TestDevice.h"
 
 namespace quaverly {
 namespace {
@@ -124,6 +126,162 @@ TEST(UIImage, IsNoneWithTooManyScansOrChunks) {
   EXPECT_TRUE(isImage(png(1, 1, 0, rowsOf(1, 1, "x"), chunks)));
   for (int i = 0; i < 20; ++i) chunks += chunk("tEXt", "a");
   EXPECT_FALSE(isImage(png(1, 1, 0, rowsOf(1, 1, "x"), chunks)));
+}
+
+std::string mediaFile(std::string_view name) {
+  return std::string(test::TestDevice::mediaPath) + "/" + std::string(name);
+}
+
+Ref<CGImage> bitmapOf(uint32_t width, uint32_t height, std::string_view bytes) {
+  auto pixels = std::make_unique<uint8_t[]>(bytes.size());
+  std::ranges::copy(bytes, pixels.get());
+  return make<CGImage>(width, height, std::move(pixels));
+}
+
+std::string textOf(std::span<const uint8_t> bytes) {
+  return {bytes.begin(), bytes.end()};
+}
+
+TEST(UIImage, OfAFileHasTheScaleInItsNameAndItsSizeInPoints) {
+  test::TestDevice device;
+  const auto picture = contentsOf(test::makePicture(device.temporary(), "a.png", "90x60"));
+  const std::vector<std::pair<std::string, double>> cases = {
+      {"icon.png", 1}, {"icon@2x.png", 2}, {"icon@3x.png", 3},   {"icon@3x", 3},
+      {"@2x.png", 2},  {"icon@4x.png", 1}, {"icon@2x.b.png", 1}, {"a@3x/icon.png", 1}};
+  for (const auto& [name, scale] : cases) {
+    device.media().write(name, picture);
+    const auto image = UIImage::imageWithContentsOfFile(mediaFile(name));
+    ASSERT_TRUE(image) << name;
+    EXPECT_EQ(image->scale(), scale) << name;
+    EXPECT_EQ(image->size(), (CGSize{90 / scale, 60 / scale})) << name;
+    EXPECT_EQ(image->pixelSize().width, 90U);
+  }
+}
+
+TEST(UIImage, OfAFileThatIsNoneIsNone) {
+  test::TestDevice device;
+  device.media().write("text.png", "text");
+  device.media().makeFolder("folder.png");
+  for (const auto* name : {"text.png", "folder.png", "absent.png", ""})
+    EXPECT_FALSE(UIImage::imageWithContentsOfFile(mediaFile(name))) << name;
+  EXPECT_FALSE(UIImage::imageWithContentsOfFile("/etc/hostname"));
+}
+
+TEST(UIImage, OfAFileOutlivesIt) {
+  test::TestDevice device;
+  const auto path = test::makePicture(device.media(), "a.png");
+  const auto picture = contentsOf(path);
+  const auto image = UIImage::imageWithContentsOfFile(mediaFile("a.png"));
+  std::filesystem::resize_file(path, 0);
+  EXPECT_EQ(image->file()->data.text(), picture);
+  EXPECT_FALSE(image->file()->data.slice()) << "no file stays open";
+}
+
+TEST(UIImage, OfAHugeFileIsNone) {
+  test::TestDevice device;
+  std::filesystem::resize_file(device.media().write("a.png", ""), UIImage::longestFile + 1);
+  EXPECT_FALSE(UIImage::imageWithContentsOfFile(mediaFile("a.png")));
+}
+
+TEST(UIImage, WithoutAnythingIsEmpty) {
+  const auto image = make<UIImage>();
+  EXPECT_EQ(image->size(), CGSize());
+  EXPECT_EQ(image->scale(), 1);
+  EXPECT_FALSE(image->file());
+  EXPECT_FALSE(image->bitmap());
+  EXPECT_FALSE(image->encodedForDisplay());
+  EXPECT_FALSE(UIImageJPEGRepresentation(*image, 1));
+}
+
+TEST(UIImage, KeepsAllButItsRenderingModeInAnother) {
+  test::TestDevice device;
+  test::makePicture(device.media(), "a@2x.png", "40x20");
+  const auto image = UIImage::imageWithContentsOfFile(mediaFile("a@2x.png"));
+  EXPECT_EQ(image->renderingMode(), UIImageRenderingMode::automatic);
+  const auto stencil = image->imageWithRenderingMode(UIImageRenderingMode::alwaysTemplate);
+  EXPECT_EQ(stencil->renderingMode(), UIImageRenderingMode::alwaysTemplate);
+  EXPECT_EQ(static_cast<int>(stencil->renderingMode()), 2);
+  EXPECT_EQ(stencil->size(), (CGSize{20, 10}));
+  EXPECT_EQ(stencil->file()->data.text(), image->file()->data.text());
+  EXPECT_EQ(image->renderingMode(), UIImageRenderingMode::automatic);
+  const auto made = UIImage::imageWithCGImage(bitmapOf(1, 1, "\1\2\3\xff"));
+  const auto original = made->imageWithRenderingMode(UIImageRenderingMode::alwaysOriginal);
+  EXPECT_EQ(original->bitmap(), made->bitmap());
+}
+
+TEST(UIImage, OfPixelsHasThemAndAScaleOfOne) {
+  const auto bitmap = bitmapOf(2, 1, "\1\2\3\xff\4\5\6\xff");
+  const auto image = UIImage::imageWithCGImage(bitmap);
+  EXPECT_EQ(image->size(), (CGSize{2, 1}));
+  EXPECT_EQ(image->scale(), 1);
+  EXPECT_EQ(image->bitmap(), bitmap);
+  EXPECT_FALSE(image->file());
+  EXPECT_FALSE(UIImage::imageWithCGImage(nullptr));
+}
+
+TEST(UIImageBitmap, KeepsTransparencyWithColoursMultipliedByIt) {
+  const auto file = png(2, 2, 6, "\0\xff\x80\x01\xff\xff\x80\x01\x80\0\xff\x80\x01\0\x0a\x14\x1e\x01"s);
+  const auto bitmap = UIImage::imageWithData(NSData(file))->bitmap();
+  EXPECT_EQ(textOf(bitmap->bytes()), "\xff\x80\x01\xff\x80\x40\x01\x80\0\0\0\0\0\0\0\1"s);
+  EXPECT_EQ(textOf(bitmap->row(1)), "\0\0\0\0\0\0\0\1"s);
+}
+
+TEST(UIImageBitmap, OfAJPEGFileIsOpaque) {
+  const test::TemporaryFolder folder;
+  const auto file = contentsOf(test::makePicture(folder, "a.jpg", "40x30"));
+  const auto bitmap = UIImage::imageWithData(NSData(file))->bitmap();
+  const auto expected = pixelsOf(file);
+  ASSERT_EQ(bitmap->bytes().size(), 40U * 30 * 4);
+  for (size_t i = 0; i < bitmap->bytes().size(); ++i) {
+    const int value = bitmap->bytes()[i];
+    ASSERT_EQ(value, i % 4 == 3 ? 255 : expected[i / 4 * 3 + i % 4]) << i;
+  }
+}
+
+TEST(UIImageBitmap, OfADamagedFileIsNone) {
+  const test::TemporaryFolder folder;
+  auto file = contentsOf(test::makePicture(folder, "a.png", "64x64"));
+  EXPECT_TRUE(UIImage::imageWithData(NSData(file))->bitmap());
+  file[file.size() / 2] ^= 0x55;
+  EXPECT_FALSE(UIImage::imageWithData(NSData(file))->bitmap());
+}
+
+TEST(UIImageForDisplay, IsTheFileThatItWasMadeFrom) {
+  const test::TemporaryFolder folder;
+  for (const auto* name : {"a.jpg", "a.png"}) {
+    const auto file = contentsOf(test::makePicture(folder, name));
+    const auto shown = UIImage::imageWithData(NSData(file))->encodedForDisplay();
+    EXPECT_EQ(shown->data.text(), file);
+    EXPECT_EQ(shown->format == UIImage::Format::png, name == "a.png"s);
+  }
+}
+
+TEST(UIImageForDisplay, OfPixelsIsAPNGFileOfThem) {
+  const test::TemporaryFolder folder;
+  std::string pixels;
+  std::string shown;
+  for (int i = 0; i < 30 * 20; ++i) {
+    const auto grey = static_cast<char>(i % 256);
+    pixels += {grey, '\x40', '\0', '\xff'};
+    shown += {grey, '\x40', '\0', '\xff'};
+  }
+  pixels.replace(0, 8, "\x40\x80\0\x80\0\0\0\0"s);  // half transparent, and wholly
+  shown.replace(0, 8, "\x80\xff\0\x80\0\0\0\0"s);
+  const auto file = UIImage::imageWithCGImage(bitmapOf(30, 20, pixels))->encodedForDisplay();
+  EXPECT_EQ(file->format, UIImage::Format::png);
+  const auto path = folder.write("a.png", file->data.text());
+  EXPECT_EQ(test::run("ffmpeg -v error -i " + path + " -f rawvideo -pix_fmt rgba -"), shown);
+  EXPECT_TRUE(isImage(std::string(file->data.text())));
+}
+
+TEST(UIImageJPEGRepresentation, OfPixelsShowsThemOnWhite) {
+  std::string pixels;
+  for (int i = 0; i < 16 * 16; ++i) pixels += "\x20\x40\x60\x80";  // half transparent
+  const auto image = UIImage::imageWithCGImage(bitmapOf(16, 16, pixels));
+  const auto shown = pixelsOf(std::string(UIImageJPEGRepresentation(*image, 1)->text()));
+  EXPECT_NEAR(shown[0], 0x20 + 127, 1);
+  EXPECT_NEAR(shown[1], 0x40 + 127, 1);
+  EXPECT_NEAR(shown[2], 0x60 + 127, 1);
 }
 
 TEST(UIImageJPEGRepresentation, HasFullColourResolution) {

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "Platform/UIKit/ImageDecoding.h"
+#include "Platform/UIKit/ImageCoding.h"
 
 namespace quaverly {
 namespace {
@@ -58,15 +58,14 @@ bool isPrinted(const Header& header) {
   return header.colours == TJCS_CMYK || header.colours == TJCS_YCCK;
 }
 
-/// Files for print hold their four inks inverted.
-bool decodeInks(const Decompressor& decompressor, ImageBytes file, const Header& header, Pixels& pixels) {
-  const uint64_t count = uint64_t{pixels.width} * pixels.height;
-  const auto inks = std::make_unique<uint8_t[]>(count * 4);
-  if (!decode(decompressor, file, header, TJPF_CMYK, inks.get())) return false;
-  for (uint64_t i = 0; i < count; ++i) {
-    const uint8_t* ink = inks.get() + i * 4;
-    for (int c = 0; c < 3; ++c)
-      pixels.rgb[i * 3 + static_cast<unsigned>(c)] = static_cast<uint8_t>(ink[c] * ink[3] / 255);
+/// Files for print hold their four inks inverted; makes colours of them where they are.
+bool decodeInks(const Decompressor& decompressor, ImageBytes file, const Header& header,
+                std::span<uint8_t> pixels) {
+  if (!decode(decompressor, file, header, TJPF_CMYK, pixels.data())) return false;
+  for (size_t i = 0; i < pixels.size(); i += CGImage::bytesPerPixel) {
+    const unsigned black = pixels[i + 3];
+    for (size_t c = 0; c < 3; ++c) pixels[i + c] = static_cast<uint8_t>(pixels[i + c] * black / 255);
+    pixels[i + 3] = 255;
   }
   return true;
 }
@@ -85,17 +84,17 @@ std::optional<UIImage::PixelSize> inspectJPEG(ImageBytes file) {
   return size;
 }
 
-std::optional<Pixels> decodeJPEG(ImageBytes file) {
+Ref<CGImage> decodeJPEG(ImageBytes file) {
   const Decompressor decompressor(tjInitDecompress());
   const auto header = readHeader(decompressor, file);
-  if (!header) return std::nullopt;
-  Pixels pixels{.width = static_cast<uint32_t>(header->width),
-                .height = static_cast<uint32_t>(header->height)};
-  pixels.rgb = std::make_unique<uint8_t[]>(pixels.byteCount());
-  const bool decoded = isPrinted(*header) ? decodeInks(decompressor, file, *header, pixels)
-                                          : decode(decompressor, file, *header, TJPF_RGB, pixels.rgb.get());
-  if (!decoded) return std::nullopt;
-  return pixels;
+  if (!header) return nullptr;
+  const auto width = static_cast<uint32_t>(header->width);
+  const auto height = static_cast<uint32_t>(header->height);
+  const size_t length = size_t{width} * height * CGImage::bytesPerPixel;
+  auto pixels = std::make_unique<uint8_t[]>(length);
+  const bool decoded = isPrinted(*header) ? decodeInks(decompressor, file, *header, {pixels.get(), length})
+                                          : decode(decompressor, file, *header, TJPF_RGBA, pixels.get());
+  return decoded ? make<CGImage>(width, height, std::move(pixels)) : nullptr;
 }
 
 }  // namespace quaverly

@@ -6,7 +6,7 @@
 #include <deque>
 #include <mutex>
 
-#include "Platform/UIKit/ImageDecoding.h"
+#include "Platform/UIKit/ImageCoding.h"
 
 namespace quaverly {
 namespace {
@@ -26,13 +26,14 @@ class Compressor {
     return compressor;
   }
 
-  std::optional<NSData> encode(const Pixels& pixels, int quality) {
-    const auto width = static_cast<int>(pixels.width);
-    const auto height = static_cast<int>(pixels.height);
+  /// Takes no notice of alpha.
+  std::optional<NSData> encode(const CGImage& image, const uint8_t* pixels, int quality) {
+    const auto width = static_cast<int>(image.width());
+    const auto height = static_cast<int>(image.height());
     reserve(tjBufSize(width, height, TJSAMP_444));
     unsigned char* buffer = _buffer.get();
     unsigned long length = _capacity;
-    if (!buffer || tjCompress2(_handle.get(), pixels.rgb.get(), width, 0, height, TJPF_RGB, &buffer, &length,
+    if (!buffer || tjCompress2(_handle.get(), pixels, width, 0, height, TJPF_RGBX, &buffer, &length,
                                TJSAMP_444, quality, TJFLAG_NOREALLOC | TJFLAG_ACCURATEDCT) != 0)
       return std::nullopt;
     NSData encoded(std::string_view(reinterpret_cast<const char*>(buffer), length));
@@ -96,22 +97,33 @@ class Memory {
   std::deque<Entry> _entries;
 };
 
-ImageBytes bytesOf(const UIImage& image) {
-  const auto bytes = image.file().bytes();
-  return {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()};
+bool isOpaque(std::span<const uint8_t> pixels) {
+  uint8_t alpha = 255;
+  for (size_t i = 3; i < pixels.size(); i += CGImage::bytesPerPixel) alpha &= pixels[i];
+  return alpha == 255;
+}
+
+/// Colours are multiplied by alpha already; white gives the rest.
+CGImage::Pixels laidOnWhite(std::span<const uint8_t> pixels) {
+  auto laid = std::make_unique_for_overwrite<uint8_t[]>(pixels.size());
+  for (size_t i = 0; i < pixels.size(); ++i) laid[i] = static_cast<uint8_t>(pixels[i] + 255 - pixels[i | 3]);
+  return laid;
 }
 
 std::optional<NSData> encode(const UIImage& image, int quality) {
-  const auto file = bytesOf(image);
-  const auto pixels = image.format() == UIImage::Format::jpeg ? decodeJPEG(file) : decodePNG(file);
-  return pixels ? Compressor::ofThisThread().encode(*pixels, quality) : std::nullopt;
+  const auto bitmap = image.bitmap();
+  if (!bitmap) return std::nullopt;
+  const auto pixels = bitmap->bytes();
+  if (isOpaque(pixels)) return Compressor::ofThisThread().encode(*bitmap, pixels.data(), quality);
+  return Compressor::ofThisThread().encode(*bitmap, laidOnWhite(pixels).get(), quality);
 }
 
 }  // namespace
 
 std::optional<NSData> UIImageJPEGRepresentation(const UIImage& image, double quality) {
   const int percent = std::clamp(static_cast<int>(std::lround(quality * 100)), 1, 100);
-  const auto file = bytesOf(image);
+  if (!image.file()) return encode(image, percent);
+  const auto file = imageBytes(image.file()->data);
   const Memory::Key key{XXH3_128bits(file.data(), file.size()), percent};
   if (auto known = Memory::shared().find(key)) return known;
   auto encoded = encode(image, percent);

@@ -1,10 +1,9 @@
 #include <png.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
-#include "Platform/UIKit/ImageDecoding.h"
+#include "Platform/UIKit/ImageCoding.h"
 
 namespace quaverly {
 namespace {
@@ -76,11 +75,11 @@ uint32_t number(ImageBytes bytes) {
   return uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 | bytes[3];
 }
 
-/// Lays a pixel with transparency on white.
-void layOnWhite(const uint8_t* rgba, uint8_t* rgb) {
-  const unsigned alpha = rgba[3];
-  for (int c = 0; c < 3; ++c)
-    rgb[c] = static_cast<uint8_t>((rgba[c] * alpha + 255 * (255 - alpha) + 127) / 255);
+void multiplyByAlpha(std::span<uint8_t> pixels) {
+  for (size_t i = 0; i < pixels.size(); i += CGImage::bytesPerPixel) {
+    const unsigned alpha = pixels[i + 3];
+    for (size_t c = 0; c < 3; ++c) pixels[i + c] = static_cast<uint8_t>((pixels[i + c] * alpha + 127) / 255);
+  }
 }
 
 /// Reads four channels into `into`, which has room for them.
@@ -111,21 +110,17 @@ std::optional<UIImage::PixelSize> inspectPNG(ImageBytes file) {
   return size;
 }
 
-std::optional<Pixels> decodePNG(ImageBytes file) {
+Ref<CGImage> decodePNG(ImageBytes file) {
   Reader reader(file);
-  Pixels pixels{.width = reader.image.width, .height = reader.image.height};
-  if (pixels.byteCount() == 0) return std::nullopt;
-  const uint64_t count = uint64_t{pixels.width} * pixels.height;
-  auto rgba = std::make_unique_for_overwrite<uint8_t[]>(count * 4);
-  if (!read(reader, rgba.get())) return std::nullopt;
-  // Each pixel gets shorter, so that they fit where they are.
-  for (uint64_t i = 0; i < count; ++i) {
-    uint8_t pixel[4];
-    std::memcpy(pixel, rgba.get() + i * 4, sizeof pixel);
-    layOnWhite(pixel, rgba.get() + i * 3);
-  }
-  pixels.rgb = std::move(rgba);
-  return pixels;
+  const uint32_t width = reader.image.width;
+  const uint32_t height = reader.image.height;
+  const bool hasAlpha = (reader.image.format & PNG_FORMAT_FLAG_ALPHA) != 0;
+  const size_t length = size_t{width} * height * CGImage::bytesPerPixel;
+  if (length == 0) return nullptr;
+  auto pixels = std::make_unique_for_overwrite<uint8_t[]>(length);
+  if (!read(reader, pixels.get())) return nullptr;
+  if (hasAlpha) multiplyByAlpha({pixels.get(), length});
+  return make<CGImage>(width, height, std::move(pixels));
 }
 
 }  // namespace quaverly
