@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -9,6 +10,17 @@
 #include <string_view>
 
 namespace quaverly {
+
+class NSURL;
+
+/// How much a resource may cost.
+struct NSDataLimits {
+  /// Of a file on the device.
+  uint64_t fileBytes = uint64_t{512} << 20;
+  /// Of what comes over the network, and how long that may take altogether.
+  uint64_t remoteBytes = uint64_t{64} << 20;
+  std::chrono::milliseconds remoteTime = std::chrono::seconds(30);
+};
 
 /// Bytes that never change, cheap to copy and to share between threads.
 ///
@@ -35,6 +47,12 @@ class NSData {
   static std::optional<NSData> dataWithContentsOfFile(std::string_view devicePath);
   /// The same for a descriptor's regular file; takes the descriptor over.
   static std::optional<NSData> dataWithDescriptor(int descriptor);
+
+  /// What a URL leads to, whole and in memory: a file of this device ("file", without a host or with
+  /// "localhost"), or what a server sends ("http", "https", also by way of a few redirects to such, over no
+  /// proxy). Nothing for other URLs, when it cannot be had, when a server answers with anything but success,
+  /// and when it costs more than the limits allow. Blocks; any thread but the main one.
+  static std::optional<NSData> dataWithContentsOfURL(const NSURL& url, const NSDataLimits& limits = {});
 
   uint64_t length() const { return _length; }
 

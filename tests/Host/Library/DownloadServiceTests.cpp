@@ -8,9 +8,9 @@
 
 #include "Externals/HTTPServer/HTTPServer.h"
 #include "Host/Library/ServiceUnderTest.h"
-#include "Host/Library/TestPeer.h"
 #include "Support/AudioFiles.h"
 #include "Support/TagBytes.h"
+#include "Support/TestPeer.h"
 
 namespace quaverly::library {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <cstdlib>
 
-#include "Host/Library/TestPeer.h"
+#include "Support/TestPeer.h"
 
 namespace quaverly::library {
 namespace {

@@ -1,4 +1,4 @@
-#include "Host/Library/TestPeer.h"
+#include "Support/TestPeer.h"
 
 #include <netinet/in.h>
 #include <poll.h>
