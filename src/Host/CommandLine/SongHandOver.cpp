@@ -6,6 +6,7 @@
 
 #include "Cores/QVImporter.h"
 #include "Host/Library/SongTags.h"
+#include "Other/StagedArtwork.h"
 #include "Platform/Foundation/NSString.h"
 #include "Platform/UIKit/UIImage.h"
 
@@ -95,7 +96,7 @@ void SongHandOver::edit(iTunesSongItem& song) const {
 void SongHandOver::stageArtwork(iTunesSongItem& song) const {
   const std::string path = _browser->quaverlyTempDirectory() + pickedArtworkName;
   static_cast<void>(_artwork->writeToFileAtomically(path));
-  const std::string url = "file://localhost/private" + path;
+  const std::string url = stagedArtworkURL(path);
   song.setArtworkLow(url);
   song.setArtworkMedium(url);
   song.setArtworkHigh(url);

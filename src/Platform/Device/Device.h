@@ -6,6 +6,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Platform/Device/Clock.h"
@@ -28,6 +29,8 @@ struct Device {
   std::string timeZoneName = "UTC";
   /// Language identifiers as the names of string table folders, the most wanted first.
   std::vector<std::string> preferredLanguages = {"en"};
+  /// The platform's own words, such as "Cancel", in the user's language; they stay English without it.
+  std::function<std::string(std::string_view)> systemWords;
   std::string systemVersion = "8.4";
   /// Uniformly random 32-bit numbers.
   std::function<uint32_t()> random = [] { return 0U; };

@@ -26,7 +26,7 @@ void NSNotificationCenter::add(NSObject* observer, Operation operation, std::str
   auto& observations = named->second[object];
   std::erase_if(observations, [](const auto& observation) { return !observation->observer; });
   observations.push_back(std::make_shared<Observation>(
-      Observation{observer, Unowned(observer), std::move(operation), _count++}));
+      Observation{observer, Unowned<NSObject>(observer), std::move(operation), _count++}));
 }
 
 void NSNotificationCenter::removeObserver(const NSObject* observer, std::string_view name,

@@ -86,7 +86,10 @@ class Unowned {
  public:
   Unowned() = default;
   Unowned(std::nullptr_t) {}
-  Unowned(T* object) : _object(object), _alive(object ? object->liveness() : nullptr) {}
+  /// To an object by one of its interfaces, too.
+  template <std::derived_from<NSObject> Object>
+  requires std::convertible_to<Object*, T*> Unowned(Object* object)
+      : _object(object), _alive(object ? object->liveness() : nullptr) {}
 
   T* get() const { return _alive && *_alive ? _object : nullptr; }
   explicit operator bool() const { return get() != nullptr; }

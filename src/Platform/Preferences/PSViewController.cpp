@@ -3,9 +3,8 @@
 namespace quaverly {
 
 PSViewController* PSViewController::init() {
+  UIViewController::init();
   return this;
 }
-
-void PSViewController::loadView() {}
 
 }  // namespace quaverly

@@ -4,7 +4,8 @@
 
 namespace quaverly {
 
-/// A linear map of points with a shift: x' = a x + c y + tx, y' = b x + d y + ty. The default is the identity.
+/// A linear map of points with a shift: x' = a x + c y + tx, y' = b x + d y + ty. The default is the
+/// identity.
 struct CGAffineTransform {
   double a = 1;
   double b = 0;
