@@ -1,0 +1,33 @@
+// Words: how they look, and the labels that show nothing else.
+
+import {View, part} from './view.js';
+
+/** Fonts are known by the names that the host's nodes use. */
+export function showFont(style, {font, size}) {
+  style.fontFamily = font ? `${JSON.stringify(font)}, sans-serif` : '';
+  style.fontSize = size ? `${size}px` : '';
+}
+
+export class Label extends View {
+  constructor(device, id) {
+    super(device, id);
+    this.element.classList.add('label');
+    this.words = part('span', 'words', this.element);
+  }
+
+  show(node) {
+    super.show(node);
+    if (this.words.textContent !== node.text) this.words.textContent = node.text ?? '';
+    const {style} = this.element;
+    showFont(style, node);
+    style.textAlign = node.align ?? '';
+    style.setProperty('--color', node.color ?? 'black');
+    style.setProperty('--pressed', node.pressed ?? node.color ?? 'black');
+    this.showLines(node.lines ?? 1);
+  }
+
+  showLines(lines) {
+    this.element.classList.toggle('wraps', lines !== 1);
+    this.words.style.webkitLineClamp = lines > 1 ? lines : '';
+  }
+}
