@@ -29,10 +29,11 @@ export class Focus {
     const from = top ? views.indexOf(top) : 0;
     views.forEach((view, index) => view.element.toggleAttribute('inert', index < from));
     const isElsewhere = this.around.length === 0 && this.last !== document.body;
-    if (isNew && this.top && top && !isElsewhere) this.enter(top);
+    if (isNew && top && !isElsewhere && this.wasSettled) this.enter(top);
     else if (this.around.length > 0 && !isFocusable(this.last)) this.stayNear();
     else if (this.around.length > 0 && document.activeElement !== this.last) this.last.focus({preventScroll: true});
     this.top = top;
+    this.wasSettled = true;
   }
 
   enter(screen) {

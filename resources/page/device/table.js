@@ -10,6 +10,7 @@ export class Table extends View {
     super(device, id);
     this.element.classList.add('table');
     this.scroller = part('div', 'scroller', this.element);
+    this.cells = [];
     this.content = part('div', 'content', this.scroller);
     this.others = part('div', 'others', this.content);
     this.rows = part('div', 'rows', this.content);
@@ -42,6 +43,20 @@ export class Table extends View {
     if (cells.length) this.rows.setAttribute('role', 'list');
     else this.rows.removeAttribute('role');
     this.makeReachable(cells);
+    this.cells = cells;
+    this.holdRows();
+  }
+
+  /**
+   * Whoever throws the content far sees the rows from before until the new ones are there, not an empty
+   * table.
+   */
+  holdRows() {
+    const height = this.node.place[3];
+    const first = Math.min(...this.cells.map(({node}) => node.place[1]));
+    const last = Math.max(...this.cells.map(({node}) => node.place[1] + node.place[3]));
+    const shift = last <= this.y ? this.y + height - last : first >= this.y + height ? this.y - first : 0;
+    this.rows.style.translate = Number.isFinite(shift) && shift ? `0 ${shift}px` : '';
   }
 
   /** The keyboard scrolls by the rows that it can reach; where there are none it needs the table itself. */
@@ -68,6 +83,7 @@ export class Table extends View {
     this.stands = undefined;
     this.indicator.show();
     this.y = this.scroller.scrollTop - this.top;
+    this.holdRows();
     this.telling ??= requestAnimationFrame(() => {
       this.telling = null;
       this.send('scroll', {x: this.x, y: this.y, moved: this.node.moved ?? 0});

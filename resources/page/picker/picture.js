@@ -5,6 +5,7 @@ const longestSide = 3000;
 /** A file as a picture that stands the right way up; null when it is none. Whoever got it calls its `close`. */
 export async function readPicture(file) {
   const image = document.createElement('img');
+  image.alt = '';
   image.src = URL.createObjectURL(file);
   const close = () => URL.revokeObjectURL(image.src);
   try {

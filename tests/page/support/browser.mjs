@@ -1,0 +1,57 @@
+// Debian's Chromium, as the tests of the page drive it.
+import fs from 'node:fs';
+import {createRequire} from 'node:module';
+import path from 'node:path';
+import {fileURLToPath} from 'node:url';
+
+const modules = process.env.PAGE_MODULES ?? fileURLToPath(new URL('../../../build/page-modules', import.meta.url));
+const require = createRequire(path.join(modules, 'package.json'));
+const {chromium} = require('playwright-core');
+const axe = fs.readFileSync(require.resolve('axe-core/axe.min.js'), 'utf8');
+
+const shots = process.env.PAGE_SHOTS ?? path.join(modules, 'shots');
+
+const quiet = [
+  '--no-sandbox',
+  '--disable-gpu',
+  '--disable-quic',
+  '--no-first-run',
+  '--disable-background-networking',
+  '--disable-component-update',
+  '--disable-sync',
+  '--disable-default-apps',
+];
+
+export const phone = {width: 375, height: 667};
+export const desk = {width: 1280, height: 800};
+
+/** A browser with an empty profile of its own; whoever got it closes it. */
+export function launch() {
+  return chromium.launch({executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', headless: true, args: quiet});
+}
+
+/** A window of its own, without the others' cookies. What goes wrong in the page is in `page.problems`. */
+export async function openWindow(browser, viewport, more = {}) {
+  const context = await browser.newContext({viewport, locale: 'en-GB', timezoneId: 'UTC', ...more});
+  const page = await context.newPage();
+  page.problems = [];
+  page.on('pageerror', error => page.problems.push(String(error)));
+  page.on('console', message => {
+    if (message.type() === 'error') page.problems.push(`${message.text()} ${message.location().url}`);
+  });
+  page.setDefaultTimeout(20_000);
+  return page;
+}
+
+/** Keeps a picture of the page among the build's results. */
+export async function keepShot(page, name) {
+  fs.mkdirSync(shots, {recursive: true});
+  await page.screenshot({path: path.join(shots, `${name}.png`)});
+}
+
+/** What axe finds wrong with the page, one line each. */
+export async function accessibilityProblems(page) {
+  await page.evaluate(axe);
+  const {violations} = await page.evaluate(() => globalThis.axe.run(document, {resultTypes: ['violations']}));
+  return violations.map(({id, help, nodes}) => `${id}: ${help}: ${nodes.map(node => node.html).join(' | ')}`);
+}
