@@ -1,18 +1,16 @@
 #include <utility>
 
 #include "Controllers/ImportAudioController.h"
+#include "Other/StagedArtwork.h"
 #include "Platform/AVFoundation/AVURLAsset.h"
 #include "Platform/Foundation/NSFileManager.h"
-#include "Platform/Foundation/NSLog.h"
 #include "Platform/Foundation/NSString.h"
 #include "Platform/UIKit/UIImage.h"
 
 namespace quaverly {
 namespace {
 
-constexpr const char* temporaryDirectory = "/var/mobile/Media/Quaverly/tmp/";
 constexpr const char* stagedArtworkName = "current_album_image_local.jpg";
-constexpr const char* artworkURLPrefix = "file://localhost/private";
 constexpr double artworkQuality = 1.0;
 
 using Text = iTunesSongItem::Text;
@@ -85,20 +83,14 @@ void ImportAudioController::readMetadataItemIntoSongItem(const AVMetadataItem& i
 void ImportAudioController::readArtwork(const AVMetadataItem& item, iTunesSongItem& song) {
   const auto stagedPath = NSStringByAppendingPathComponent(quaverlyTempDirectory(), stagedArtworkName);
   stageArtwork(pictureData(item.value()), stagedPath);
-  const auto url = artworkURLPrefix + stagedPath;
+  const auto url = stagedArtworkURL(stagedPath);
   song.setArtworkLow(url);
   song.setArtworkMedium(url);
   song.setArtworkHigh(url);
 }
 
 std::string ImportAudioController::quaverlyTempDirectory() {
-  Ref<NSError> error;
-  if (!NSFileManager::defaultManager().createDirectoryAtPathWithIntermediateDirectories(temporaryDirectory,
-                                                                                        &error)) {
-    NSLog(std::string("Failed to create directory \"") + temporaryDirectory +
-          "\". Error: " + (error ? error->description() : "(null)"));
-  }
-  return temporaryDirectory;
+  return temporaryArtworkDirectory();
 }
 
 }  // namespace quaverly

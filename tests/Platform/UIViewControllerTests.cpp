@@ -81,7 +81,6 @@ TEST_F(UIViewControllerTest, TheBarLiesBelowTheStatusBarAndIsLowerInLandscape) {
 TEST_F(UIViewControllerTest, TheBarSendsTheItemsActions) {
   root->navigationItem()->setRightBarButtonItem(
       make<UIBarButtonItem>("Go", UITargetAction(root.get(), &Screen::tap)));
-  navigation->view()->setNeedsLayout();
   settle();
   const auto& button = navigation->navigationBar()->rightButton();
   EXPECT_EQ(button->title(), "Go");
@@ -94,7 +93,6 @@ TEST_F(UIViewControllerTest, ATitleViewIsPlacedBetweenTheButtonsWhateverItsOrigi
   root->navigationItem()->setTitleView(title);
   root->navigationItem()->setRightBarButtonItem(
       make<UIBarButtonItem>("/mobile", UITargetAction(root.get(), &Screen::tap)));
-  navigation->view()->setNeedsLayout();
   settle();
   const auto& button = navigation->navigationBar()->rightButton();
   EXPECT_EQ(title->superview(), navigation->navigationBar().get());

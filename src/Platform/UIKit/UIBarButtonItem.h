@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "Platform/Foundation/NSObject.h"
-#include "Platform/QuartzCore/CATransaction.h"
 #include "Platform/UIKit/UIImage.h"
 #include "Platform/UIKit/UITargetAction.h"
+#include "Platform/UIKit/UIView.h"
 
 namespace quaverly {
 
@@ -27,11 +27,14 @@ class UIBarButtonItem : public NSObject {
   const std::optional<std::string>& title() const { return _title; }
   void setTitle(std::optional<std::string> title) {
     _title = std::move(title);
-    CATransaction::noteChange();
+    if (auto* const bar = _bar.get()) bar->setNeedsLayout();
   }
   const Ref<UIImage>& image() const { return _image; }
   UIBarButtonItemStyle style() const { return _style; }
   const std::optional<UIBarButtonSystemItem>& systemItem() const { return _systemItem; }
+
+  /// The bar that shows it, which hears of changes. Not owned.
+  void setBar(UIView* bar) { _bar = bar; }
 
   /// What a tap does.
   void sendAction() const { _action.send(); }
@@ -41,6 +44,7 @@ class UIBarButtonItem : public NSObject {
   Ref<UIImage> _image;
   UIBarButtonItemStyle _style = UIBarButtonItemStyle::Plain;
   std::optional<UIBarButtonSystemItem> _systemItem;
+  Unowned<UIView> _bar;
   UITargetAction _action;
 };
 

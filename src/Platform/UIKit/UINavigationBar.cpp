@@ -17,7 +17,8 @@ std::string systemWord(const char* word) {
 }
 
 /// What the item says, on a button of the bar; hidden when it says nothing.
-void show(UIButton& button, const Ref<UIBarButtonItem>& item) {
+void show(UIButton& button, const Ref<UIBarButtonItem>& item, UIView& bar) {
+  if (item) item->setBar(&bar);
   const bool saysSomething = item && (item->image() || !item->title().value_or("").empty());
   button.setHidden(!saysSomething);
   button.setTitle(item ? item->title() : std::nullopt);
@@ -50,28 +51,37 @@ UINavigationBar::UINavigationBar(CGRect frame)
 
 void UINavigationBar::showItem(Ref<UINavigationItem> item, std::optional<std::string> backTitle,
                                std::function<void()> back) {
+  if (_item) _item->setBar(nullptr);
   _item = std::move(item);
+  if (_item) _item->setBar(this);
   _backTitle = std::move(backTitle);
   _goBack = std::move(back);
-  update();
+  setNeedsLayout();
 }
 
-void UINavigationBar::update() {
+void UINavigationBar::layoutSubviews() {
   if (!_item) return;
-  show(*_left, _item->leftBarButtonItem());
-  show(*_right, _item->rightBarButtonItem());
-  _back->setHidden(!_backTitle || _item->leftBarButtonItem());
-  _back->setTitle(_backTitle);
-  _titleLabel->setText(_item->title());
-  _titleLabel->setHidden(_item->titleView().get() != nullptr);
-  if (_titleView != _item->titleView()) {
-    if (_titleView && _titleView->superview() == this) _titleView->removeFromSuperview();
-    _titleView = _item->titleView();
-    _titleWidth = _titleView ? _titleView->bounds().width : 0;
-    if (_titleView) addSubview(_titleView);
-  }
+  showButtons();
+  showTitle();
   placeButtons();
   placeTitle();
+}
+
+void UINavigationBar::showButtons() {
+  show(*_left, _item->leftBarButtonItem(), *this);
+  show(*_right, _item->rightBarButtonItem(), *this);
+  _back->setHidden(!_backTitle || _item->leftBarButtonItem());
+  _back->setTitle(_backTitle);
+}
+
+void UINavigationBar::showTitle() {
+  _titleLabel->setText(_item->title());
+  _titleLabel->setHidden(_item->titleView().get() != nullptr);
+  if (_titleView == _item->titleView()) return;
+  if (_titleView && _titleView->superview() == this) _titleView->removeFromSuperview();
+  _titleView = _item->titleView();
+  _titleWidth = _titleView ? _titleView->bounds().width : 0;
+  if (_titleView) addSubview(_titleView);
 }
 
 void UINavigationBar::placeButtons() {

@@ -38,10 +38,13 @@ class UINavigationBar : public UIView {
   const Ref<UIButton>& rightButton() const { return _right; }
   const Ref<UIButton>& backButton() const { return _back; }
 
-  /// Shows what the item says now. Called with every layout of the screen.
-  void update();
+ protected:
+  /// Shows what the item says now.
+  void layoutSubviews() override;
 
  private:
+  void showButtons();
+  void showTitle();
   void placeButtons();
   void placeTitle();
   void tapLeft();

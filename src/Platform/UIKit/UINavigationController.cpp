@@ -122,7 +122,6 @@ void UINavigationController::showTop() {
 
 void UINavigationController::layout() {
   _bar->setFrame(barFrame(view()->bounds().width));
-  _bar->update();
   makeRoomForBar();
 }
 

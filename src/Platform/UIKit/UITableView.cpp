@@ -58,7 +58,7 @@ void UITableView::layoutSubviews() {
   }
   placeHeaders();
   placeRows();
-  if (_tableFooterView) {
+  if (_tableFooterView && _tableFooterView->frame().height > 0) {
     const CGRect old = _tableFooterView->frame();
     _tableFooterView->setFrame({0, contentSize().height - old.height, bounds().width, old.height});
   }
