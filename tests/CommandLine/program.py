@@ -4,6 +4,7 @@ import os
 import pathlib
 import shutil
 import subprocess
+import sys
 import tempfile
 import unittest
 
@@ -15,6 +16,16 @@ ROOFS = SAMPLES / "Über den Dächern.mp3"
 # Port 8080 of a network of its own, so that tests neither wait for each other nor meet a stranger there.
 OWN_NETWORK = ["unshare", "--net"] + ([] if os.getuid() == 0 else ["--map-root-user"])
 LOOPBACK_UP = "ip link set lo up && "
+if "QUAVERLY_NETWORK_IS_OWN" in os.environ:
+    OWN_NETWORK, LOOPBACK_UP = [], ""
+
+
+def enter_own_network():
+    """Moves the whole test file into one network of its own, for tests that speak with the program over it."""
+    if OWN_NETWORK:
+        script = LOOPBACK_UP + 'exec "$@"'
+        environment = {**os.environ, "QUAVERLY_NETWORK_IS_OWN": "1"}
+        os.execvpe("unshare", [*OWN_NETWORK, "sh", "-c", script, "sh", sys.executable, "-B", *sys.argv], environment)
 
 
 class Result:

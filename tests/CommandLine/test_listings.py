@@ -90,10 +90,10 @@ class Info(ProgramTest):
 
 
 class Help(ProgramTest):
-    def test_without_arguments_it_says_what_it_can_do(self):
-        result = self.run_program()
+    def test_it_says_what_it_can_do(self):
+        result = self.run_program("--help")
         self.assertEqual(result.status, 0)
-        for command in ("import", "ls", "info", "library", "downloads", "--media", "--json"):
+        for command in ("serve", "import", "ls", "info", "library", "downloads", "--media", "--json"):
             self.assertIn(command, result.out.decode())
 
     def test_the_version_is_one_line(self):

@@ -4,6 +4,7 @@
 
 #include <map>
 
+#include "Host/Environment/BrowserStart.h"
 #include "Host/Environment/DeviceFacts.h"
 #include "Host/Environment/ProcessLimits.h"
 #include "Support/TemporaryFolder.h"
@@ -117,6 +118,23 @@ TEST(SystemVersion, IsThatOfTheRelease) {
   EXPECT_EQ(systemVersion(etc.write("a", "NAME=x\nVERSION_ID=\"12\"\n")), "12");
   EXPECT_EQ(systemVersion(etc.write("b", "NAME=x\n")), "0");
   EXPECT_EQ(systemVersion(etc / "none"), "0");
+}
+
+TEST(BrowserCommand, IsTheUsersOwnOrTheDesktops) {
+  const auto command = [](Variables variables) {
+    variables["DISPLAY"] = ":0";
+    return browserCommand(with(variables), "/d/open.html");
+  };
+  EXPECT_THAT(command({}), ElementsAre("xdg-open", "/d/open.html"));
+  EXPECT_THAT(command({{"BROWSER", "surf"}}), ElementsAre("surf", "/d/open.html"));
+  EXPECT_THAT(command({{"BROWSER", "surf --new %s -x:lynx"}}),
+              ElementsAre("surf", "--new", "/d/open.html", "-x"));
+  EXPECT_THAT(command({{"BROWSER", " :x"}}), ElementsAre("xdg-open", "/d/open.html"));
+}
+
+TEST(BrowserCommand, IsNoneWithoutADesktop) {
+  EXPECT_THAT(browserCommand(with({{"BROWSER", "surf"}}), "/d/open.html"), ElementsAre());
+  EXPECT_THAT(browserCommand(with({{"WAYLAND_DISPLAY", "w"}}), "/f"), ElementsAre("xdg-open", "/f"));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 // output and standard error, and answer what the program ends with.
 namespace quaverly::commandline {
 
+ExitStatus runServe(Console& console, const CommonOptions& common, const ServeOptions& options);
 ExitStatus runImport(Console& console, const CommonOptions& common, const ImportOptions& options);
 ExitStatus runList(const Console& console, const CommonOptions& common, const std::string& path);
 ExitStatus runInfo(const Console& console, const CommonOptions& common, const std::string& file);

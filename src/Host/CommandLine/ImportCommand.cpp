@@ -1,19 +1,12 @@
 #include "Host/CommandLine/Commands.h"
 #include "Host/CommandLine/ImportSession.h"
+#include "Host/CommandLine/ServiceRegistration.h"
 #include "Host/Environment/InterruptWatch.h"
-#include "Platform/StoreServices/SSDownloadManager.h"
+#include "Host/Instances/ServingInstance.h"
+#include "Host/Library/DownloadService.h"
 
 namespace quaverly::commandline {
 namespace {
-
-/// Stands behind the download manager while it lives.
-class ServiceRegistration {
- public:
-  explicit ServiceRegistration(SSDownloadService& service) { SSDownloadManager::registerService(&service); }
-  ~ServiceRegistration() { SSDownloadManager::registerService(nullptr); }
-  ServiceRegistration(const ServiceRegistration&) = delete;
-  ServiceRegistration& operator=(const ServiceRegistration&) = delete;
-};
 
 ExitStatus statusOf(const ImportReport& report) {
   return report.hasFailures() ? ExitStatus::failed : ExitStatus::done;
@@ -40,6 +33,17 @@ ExitStatus planAll(const ImportOptions& options, HostDevice& device, SongHandOve
   return statusOf(report);
 }
 
+/// This program's own service, or that of the instance that serves on the data folder.
+library::Result<std::unique_ptr<library::ImportService>> findService(HostDevice& device,
+                                                                     library::SongServer& server) {
+  auto serving = instances::ServingInstance::find(device.librarySettings());
+  if (!serving) return serving.failure();
+  if (*serving) return std::unique_ptr<library::ImportService>(*std::move(serving));
+  auto own = library::DownloadService::open(device.librarySettings(), device.outsideFiles(), server);
+  if (!own) return own.failure();
+  return std::unique_ptr<library::ImportService>(*std::move(own));
+}
+
 ExitStatus importAll(const ImportOptions& options, HostDevice& device, SongHandOver& handOver,
                      Console& console) {
   ImportSession* running = nullptr;
@@ -47,7 +51,7 @@ ExitStatus importAll(const ImportOptions& options, HostDevice& device, SongHandO
     if (running) running->interrupt();
   });
   library::ImportServer server;
-  auto service = library::DownloadService::open(device.librarySettings(), device.outsideFiles(), server);
+  auto service = findService(device, server);
   if (!service) return cannotBegin(console, service.failure());
   const ServiceRegistration registration(**service);
   ImportReport report(console);

@@ -55,6 +55,18 @@ std::string tagsText(const library::SongTags& tags) {
   return text.empty() ? "none" : text;
 }
 
+const char* sentenceFor(ImportReport::Rest rest) {
+  switch (rest) {
+    case ImportReport::Rest::untouched:
+      return "Not done. Import it again.";
+    case ImportReport::Rest::resumes:
+      return "Not done. The next import goes on with it.";
+    case ImportReport::Rest::goesOn:
+      return "Not waited for. The quaverly that serves goes on with it.";
+  }
+  return "";
+}
+
 std::string count(int number, const char* one, const char* many) {
   return std::to_string(number) + " " + (number == 1 ? one : many);
 }
@@ -120,11 +132,10 @@ void ImportReport::refused(const std::string& file, const std::string& reason) {
   ended(file, record);
 }
 
-void ImportReport::leftOver(const std::string& file, bool resumes) {
+void ImportReport::leftOver(const std::string& file, Rest rest) {
   ++_failed;
   _console.status("");
-  _console.problem(file,
-                   resumes ? "Not done. The next import goes on with it." : "Not done. Import it again.");
+  _console.problem(file, sentenceFor(rest));
 }
 
 void ImportReport::waits(const std::string& why) {

@@ -20,8 +20,13 @@ class ImportReport {
   void planned(const std::string& file, const library::DryRun::Outcome& outcome);
   /// A file that did not get as far as a download.
   void refused(const std::string& file, const std::string& reason);
-  /// A file that an interruption left over; `resumes` when the next import goes on with it by itself.
-  void leftOver(const std::string& file, bool resumes);
+  enum class Rest {
+    untouched,  ///< nothing was done for it
+    resumes,    ///< the next import goes on with it by itself
+    goesOn,     ///< another program goes on with it
+  };
+  /// A file that an interruption left over.
+  void leftOver(const std::string& file, Rest rest);
   void waits(const std::string& why);
 
   void summarise(const std::string& libraryFolder) const;

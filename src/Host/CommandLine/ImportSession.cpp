@@ -8,6 +8,7 @@ namespace quaverly::commandline {
 namespace {
 
 using library::DownloadRecord;
+using Place = library::ImportService::Place;
 
 /// How many songs may wait in the service: enough that it never waits for the reader, few enough that an
 /// interruption leaves little behind.
@@ -16,7 +17,7 @@ constexpr size_t songsAhead = 4;
 }  // namespace
 
 ImportSession::ImportSession(std::vector<std::string> files, SongHandOver& handOver,
-                             library::DownloadService& service, ImportReport& report)
+                             library::ImportService& service, ImportReport& report)
     : _files(std::make_move_iterator(files.begin()), std::make_move_iterator(files.end())),
       _handOver(handOver),
       _service(service),
@@ -36,7 +37,12 @@ void ImportSession::run() {
 
 void ImportSession::interrupt() {
   _interrupted = true;
-  _service.stop();
+  if (!mayHandOver() || _files.empty()) _service.stop();
+}
+
+bool ImportSession::mayHandOver() const {
+  if (_service.place() == Place::elsewhere) return true;
+  return !_interrupted && _pending.size() < songsAhead;
 }
 
 // A file a turn, so that the server gets its turns in between.
@@ -50,8 +56,8 @@ void ImportSession::handOverSoon() {
 }
 
 void ImportSession::handOverNext() {
-  if (_interrupted || _pending.size() >= songsAhead) return;
-  if (_files.empty()) return finishWhenDone();
+  if (!mayHandOver()) return;
+  if (_files.empty()) return _interrupted ? _service.stop() : finishWhenDone();
   const std::string file = std::move(_files.front());
   _files.pop_front();
   const auto before = _service.latestDownload();
@@ -101,8 +107,10 @@ void ImportSession::serviceBecameIdle() {
 }
 
 void ImportSession::serviceStopped(const std::vector<DownloadRecord>& notDone) {
-  for (const auto& record : notDone) _report.leftOver(nameOf(record), true);
-  for (const auto& file : _files) _report.leftOver(file, false);
+  const auto rest = _interrupted && _service.place() == Place::elsewhere ? ImportReport::Rest::goesOn
+                                                                         : ImportReport::Rest::resumes;
+  for (const auto& record : notDone) _report.leftOver(nameOf(record), rest);
+  for (const auto& file : _files) _report.leftOver(file, ImportReport::Rest::untouched);
   NSRunLoop::mainRunLoop().stop();
 }
 

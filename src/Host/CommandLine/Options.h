@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,6 +26,11 @@ struct CommonOptions {
     if (quiet) return Loudness::quiet;
     return verbose ? Loudness::verbose : Loudness::normal;
   }
+};
+
+struct ServeOptions {
+  std::optional<uint16_t> pagePort;  ///< nothing takes the usual one, or the next free one
+  bool opensBrowser = true;
 };
 
 struct ImportOptions {

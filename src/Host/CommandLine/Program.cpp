@@ -50,6 +50,29 @@ void addText(CLI::App& command, const char* name, std::optional<std::string>& te
   });
 }
 
+void addServeOptions(CLI::App& app, ServeOptions& options) {
+  app.add_option("--page-port", options.pagePort,
+                 "The port of the page; without it 8181, or the next free one")
+      ->type_name("N")
+      ->check(CLI::Range(1, 65535));
+  app.add_flag("!--no-browser", options.opensBrowser, "Open no browser");
+}
+
+/// Serving is what the program does when nothing else is named, so its options stand on their own as well.
+void addServe(CLI::App& app, const CommonOptions& common, ServeOptions& options, Command& chosen) {
+  chosen = [&](Console& console) { return runServe(console, common, options); };
+  addServeOptions(app, options);
+  auto* command =
+      app.add_subcommand("serve", "Show the page in the browser until Ctrl-C; also without a command");
+  addServeOptions(*command, options);
+  app.callback([&app] {
+    const bool isServing = app.get_subcommands().empty() || app.got_subcommand("serve");
+    for (const auto* name : {"--page-port", "--no-browser"}) {
+      if (!isServing && app.count(name) > 0) throw CLI::ExtrasError({std::string(name)});
+    }
+  });
+}
+
 void addImport(CLI::App& app, const CommonOptions& common, ImportOptions& options, Command& chosen) {
   auto* command = app.add_subcommand("import", "Put audio files into the music library");
   command->add_option("FILE", options.files, "Files whose name ends in mp3, from anywhere")
@@ -118,6 +141,7 @@ int run(const Command& command, const CommonOptions& common) {
 int runProgram(int argumentCount, char** arguments) {
   host::raiseDescriptorLimit();
   CommonOptions common = defaultOptions();
+  ServeOptions serve;
   ImportOptions import;
   std::string path;
   std::string file;
@@ -126,6 +150,7 @@ int runProgram(int argumentCount, char** arguments) {
   CLI::App app("Brings audio files into your music library, with the tags and the cover you want.");
   describe(app);
   addCommonOptions(app, common);
+  addServe(app, common, serve, chosen);
   addImport(app, common, import, chosen);
   addList(app, common, path, chosen);
   addInfo(app, common, file, chosen);
@@ -136,9 +161,7 @@ int runProgram(int argumentCount, char** arguments) {
     return static_cast<int>(app.exit(error) == 0 ? ExitStatus::done : ExitStatus::usage);
   }
   for (auto* folder : {&common.media, &common.library, &common.data}) *folder = absolutePath(*folder);
-  if (chosen) return run(chosen, common);
-  std::fputs(app.help().c_str(), stdout);
-  return static_cast<int>(ExitStatus::done);
+  return run(chosen, common);
 }
 
 }  // namespace quaverly::commandline

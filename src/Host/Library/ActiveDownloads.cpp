@@ -28,29 +28,10 @@ void ActiveDownloads::close() {
 }
 
 void ActiveDownloads::add(const Ref<SSDownload>& download) {
-  auto record = takeOver(recordOf(*download));
+  auto record = takeOver(recordOf(*download), _catalogue, _artwork);
   if (!record) return refuse(download, recordOf(*download), record.failure());
   _latest = record->id;
   begin(*record, {download, _outsideFiles.mounted(record->devicePath)});
-}
-
-Result<DownloadRecord> ActiveDownloads::takeOver(DownloadRecord record) {
-  const auto artwork = artworkOf(record.metadata);
-  record.artworkKind = artwork.kind;
-  // Alone of all who write, so that nobody takes the copy of the cover for one that no download needs.
-  const auto failure = _catalogue.transact([&]() -> MaybeFailure {
-    if (artwork.kind == ArtworkChange::Kind::replace) {
-      auto copy = _artwork.keep(artwork.image);
-      if (!copy) return copy.failure();
-      record.artwork = std::move(*copy);
-    }
-    const auto id = _catalogue.add(record);
-    if (!id) return id.failure();
-    record.id = *id;
-    return std::nullopt;
-  });
-  if (failure) return *failure;
-  return record;
 }
 
 void ActiveDownloads::refuse(const Ref<SSDownload>& download, DownloadRecord record, const Failure& failure) {
@@ -107,6 +88,14 @@ MaybeFailure ActiveDownloads::retry(DownloadID id) {
   (*record)->reason.clear();
   if (auto failure = _catalogue.update(**record)) return failure;
   begin(**record, {});
+  return std::nullopt;
+}
+
+MaybeFailure ActiveDownloads::take(DownloadID id) {
+  const auto record = _catalogue.download(id);
+  if (!record) return record.failure();
+  if (!*record) return Failure{"There is no such download."};
+  if (!isFinal((*record)->state) && !_active.contains(id)) begin(**record, {});
   return std::nullopt;
 }
 

@@ -33,6 +33,7 @@ class ActiveDownloads : public DownloadDesk, public std::enable_shared_from_this
   void add(const Ref<SSDownload>& download);
   void resume();
   MaybeFailure retry(DownloadID id);
+  MaybeFailure take(DownloadID id);
   void stop();
 
   bool isIdle() const { return _active.empty() && _refused == 0 && !_resumeWanted; }
@@ -56,7 +57,6 @@ class ActiveDownloads : public DownloadDesk, public std::enable_shared_from_this
     std::shared_ptr<const OutsideFile> outsideFile;
   };
 
-  Result<DownloadRecord> takeOver(DownloadRecord record);
   void begin(const DownloadRecord& record, Active active);
   void refuse(const Ref<SSDownload>& download, DownloadRecord record, const Failure& failure);
   void resumeIfPossible();

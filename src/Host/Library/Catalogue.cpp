@@ -19,6 +19,10 @@ constexpr const char* downloadColumns =
     "library_path, added, ended";
 constexpr const char* songColumns =
     "download, path, title, artist, album, track_number, year, audio, cover, size, filed";
+/// The columns above, and last the song's own number.
+constexpr const char* selectSongs =
+    "SELECT download, path, title, artist, album, track_number, year, audio, cover, size, filed, id FROM "
+    "songs ";
 
 int64_t milliseconds(Clock::Date date) {
   return std::chrono::floor<std::chrono::milliseconds>(date).time_since_epoch().count();
@@ -84,6 +88,7 @@ SongRecord songOf(const Statement& row) {
   song.cover = row.text(8);
   song.size = static_cast<uint64_t>(row.number(9));
   song.filed = dateOf(row.number(10));
+  song.id = row.number(11);
   return song;
 }
 
@@ -103,6 +108,13 @@ Result<std::vector<SongRecord>> songsOf(Statement statement) {
   while (statement.step()) songs.push_back(songOf(statement));
   if (auto failure = statement.failure()) return *failure;
   return songs;
+}
+
+template <class Record>
+Result<std::optional<Record>> onlyOne(Result<std::vector<Record>> records) {
+  if (!records) return records.failure();
+  if (records->empty()) return std::optional<Record>();
+  return std::optional(std::move(records->front()));
 }
 
 /// `filed` is absent for a song that is only intended.
@@ -158,15 +170,19 @@ Result<DownloadID> Catalogue::add(DownloadRecord record) {
 Result<std::optional<DownloadRecord>> Catalogue::download(DownloadID id) {
   auto select = _database->prepare(std::string("SELECT ") + downloadColumns + " FROM downloads WHERE id = ?");
   select.bind(id);
-  auto found = downloadsOf(std::move(select));
-  if (!found) return found.failure();
-  if (found->empty()) return std::optional<DownloadRecord>();
-  return std::optional(std::move(found->front()));
+  return onlyOne(downloadsOf(std::move(select)));
 }
 
 Result<std::vector<DownloadRecord>> Catalogue::downloads() {
   return downloadsOf(
       _database->prepare(std::string("SELECT ") + downloadColumns + " FROM downloads ORDER BY id DESC"));
+}
+
+Result<std::vector<DownloadRecord>> Catalogue::latestDownloads(size_t limit) {
+  auto select = _database->prepare(std::string("SELECT ") + downloadColumns +
+                                   " FROM downloads ORDER BY id DESC LIMIT ?");
+  select.bind(static_cast<int64_t>(limit));
+  return downloadsOf(std::move(select));
 }
 
 Result<std::vector<DownloadRecord>> Catalogue::unfinishedDownloads() {
@@ -200,13 +216,9 @@ MaybeFailure Catalogue::intend(const DownloadRecord& record, const SongRecord& s
 }
 
 Result<std::optional<SongRecord>> Catalogue::intention(DownloadID id) {
-  auto select = _database->prepare(std::string("SELECT ") + songColumns +
-                                   " FROM songs WHERE download = ? AND filed IS NULL");
+  auto select = _database->prepare(std::string(selectSongs) + "WHERE download = ? AND filed IS NULL");
   select.bind(id);
-  auto songs = songsOf(std::move(select));
-  if (!songs) return songs.failure();
-  if (songs->empty()) return std::optional<SongRecord>();
-  return std::optional(std::move(songs->front()));
+  return onlyOne(songsOf(std::move(select)));
 }
 
 MaybeFailure Catalogue::file(const DownloadRecord& record, const SongRecord& song) {
@@ -229,13 +241,31 @@ Result<bool> Catalogue::needsArtwork(const std::string& artwork) {
 }
 
 Result<std::vector<SongRecord>> Catalogue::songs() {
-  return songsOf(_database->prepare(std::string("SELECT ") + songColumns +
-                                    " FROM songs WHERE filed IS NOT NULL ORDER BY id DESC"));
+  return songsOf(_database->prepare(std::string(selectSongs) + "WHERE filed IS NOT NULL ORDER BY id DESC"));
+}
+
+Result<std::vector<SongRecord>> Catalogue::songsBefore(int64_t id, size_t limit) {
+  auto select = _database->prepare(std::string(selectSongs) +
+                                   "WHERE filed IS NOT NULL AND id < ? ORDER BY id DESC LIMIT ?");
+  select.bind(id).bind(static_cast<int64_t>(limit));
+  return songsOf(std::move(select));
+}
+
+Result<std::optional<SongRecord>> Catalogue::song(int64_t id) {
+  auto select = _database->prepare(std::string(selectSongs) + "WHERE id = ? AND filed IS NOT NULL");
+  select.bind(id);
+  return onlyOne(songsOf(std::move(select)));
+}
+
+Result<std::optional<SongRecord>> Catalogue::songOfDownload(DownloadID id) {
+  auto select = _database->prepare(std::string(selectSongs) + "WHERE download = ? AND filed IS NOT NULL");
+  select.bind(id);
+  return onlyOne(songsOf(std::move(select)));
 }
 
 Result<std::vector<SongRecord>> Catalogue::songsWithAudio(const ContentHash& audio) {
-  auto select = _database->prepare(std::string("SELECT ") + songColumns +
-                                   " FROM songs WHERE audio = ? AND filed IS NOT NULL ORDER BY id");
+  auto select =
+      _database->prepare(std::string(selectSongs) + "WHERE audio = ? AND filed IS NOT NULL ORDER BY id");
   select.bind(audio.hex());
   return songsOf(std::move(select));
 }

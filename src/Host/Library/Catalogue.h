@@ -34,6 +34,8 @@ class Catalogue {
   Result<std::optional<DownloadRecord>> download(DownloadID id);
   /// All downloads, newest first.
   Result<std::vector<DownloadRecord>> downloads();
+  /// The newest ones, newest first.
+  Result<std::vector<DownloadRecord>> latestDownloads(size_t limit);
   /// Those that are not in a final state, in the order in which they were added.
   Result<std::vector<DownloadRecord>> unfinishedDownloads();
 
@@ -57,6 +59,12 @@ class Catalogue {
 
   /// All songs, newest first, whether or not their files are still there.
   Result<std::vector<SongRecord>> songs();
+  /// The newest ones of those that were filed before the song with this number, newest first.
+  Result<std::vector<SongRecord>> songsBefore(int64_t id, size_t limit);
+  /// Nothing when there is no such song.
+  Result<std::optional<SongRecord>> song(int64_t id);
+  /// The song that a download became; nothing when it became none.
+  Result<std::optional<SongRecord>> songOfDownload(DownloadID id);
   /// The songs with this audio, oldest first.
   Result<std::vector<SongRecord>> songsWithAudio(const ContentHash& audio);
 

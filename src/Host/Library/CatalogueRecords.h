@@ -50,6 +50,7 @@ struct DownloadRecord {
 
 /// A song that was filed.
 struct SongRecord {
+  int64_t id = 0;    ///< in the order of filing; 0 before that
   std::string path;  ///< absolute
   SongTags tags;     ///< as a reader finds them
   ContentHash audio;

@@ -10,8 +10,8 @@
 
 namespace quaverly::library {
 
-Result<std::optional<DataLock>> DataLock::tryTake(const std::string& dataFolder) {
-  const std::string path = dataFolder + "/lock";
+Result<std::optional<DataLock>> DataLock::tryTake(const std::string& dataFolder, Turn turn) {
+  const std::string path = dataFolder + (turn == Turn::filing ? "/lock" : "/serving.lock");
   FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
   if (!file) return systemFailure("The data folder " + dataFolder + " cannot be used", errno);
   if (flock(file.get(), LOCK_EX | LOCK_NB) == 0) return std::optional(DataLock(std::move(file)));

@@ -8,12 +8,16 @@
 
 namespace quaverly::library {
 
-/// The turn to work on a data folder, which one service at a time has, in whatever program. Given back when
+/// A turn on a data folder, which one service at a time has, in whatever program. Given back when
 /// this object goes, or its program.
 class DataLock {
  public:
+  enum class Turn {
+    filing,   ///< to work on the folder's downloads
+    serving,  ///< to be the instance that other programs hand theirs to
+  };
   /// The turn, or nothing while another one has it. Never waits.
-  static Result<std::optional<DataLock>> tryTake(const std::string& dataFolder);
+  static Result<std::optional<DataLock>> tryTake(const std::string& dataFolder, Turn turn = Turn::filing);
 
  private:
   explicit DataLock(FileDescriptor file) : _file(std::move(file)) {}

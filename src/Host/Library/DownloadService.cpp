@@ -40,6 +40,10 @@ MaybeFailure DownloadService::retry(DownloadID id) {
   return _active->retry(id);
 }
 
+MaybeFailure DownloadService::take(DownloadID id) {
+  return _active->take(id);
+}
+
 void DownloadService::stop() {
   _active->stop();
 }

@@ -5,11 +5,11 @@
 
 #include "Host/Library/Catalogue.h"
 #include "Host/Library/DownloadObserver.h"
+#include "Host/Library/ImportService.h"
 #include "Host/Library/LibrarySettings.h"
 #include "Host/Library/OutsideFiles.h"
 #include "Host/Library/Result.h"
 #include "Host/Library/SongServer.h"
-#include "Platform/StoreServices/SSDownloadManager.h"
 
 namespace quaverly::library {
 
@@ -22,7 +22,7 @@ class ActiveDownloads;
 /// Of two services on one data folder, in whatever programs, one works and the other waits until the first is
 /// gone. The completion block of every download runs on the main thread once the download has ended, or when
 /// the service stops.
-class DownloadService : public SSDownloadService {
+class DownloadService : public ImportService {
  public:
   /// Makes the data folder where it is missing. Fails when the catalogue cannot be used. `outsideFiles` and
   /// `server` must outlive the service.
@@ -34,24 +34,22 @@ class DownloadService : public SSDownloadService {
   /// An outside file that a download names stays mounted as long as the download lives.
   void addDownloads(const std::vector<Ref<SSDownload>>& downloads) override;
 
-  /// The download that was added last; 0 before the first.
-  DownloadID latestDownload() const;
-
-  /// Goes on with what earlier runs left unfinished; observers hear of each as added.
-  void resumeInterrupted();
+  Place place() const override { return Place::here; }
+  DownloadID latestDownload() const override;
+  void resumeInterrupted() override;
   /// Tries a failed download again, as it was added.
   MaybeFailure retry(DownloadID id);
+  /// Goes on with a download that another program has written into the catalogue. Does nothing when it is
+  /// under way already, or has ended.
+  MaybeFailure take(DownloadID id);
 
   /// Ends after the current step: a fetch is given up, a song that is whole is filed. Returns at once;
   /// `serviceStopped` tells the rest. Whatever is added afterwards is only written into the catalogue.
-  void stop();
+  void stop() override;
 
-  /// Whether nothing is waiting or under way.
-  bool isIdle() const;
-
-  /// Unowned; an observer takes itself out before it goes.
-  void addObserver(DownloadObserver* observer);
-  void removeObserver(DownloadObserver* observer);
+  bool isIdle() const override;
+  void addObserver(DownloadObserver* observer) override;
+  void removeObserver(DownloadObserver* observer) override;
 
   /// The main thread's catalogue, for listings.
   Catalogue& catalogue();

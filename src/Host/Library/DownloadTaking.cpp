@@ -28,6 +28,25 @@ DownloadRecord recordOf(const SSDownload& download) {
   return record;
 }
 
+Result<DownloadRecord> takeOver(DownloadRecord record, Catalogue& catalogue, const ArtworkStore& store) {
+  const auto artwork = artworkOf(record.metadata);
+  record.artworkKind = artwork.kind;
+  // Alone of all who write, so that nobody takes the copy of the cover for one that no download needs.
+  const auto failure = catalogue.transact([&]() -> MaybeFailure {
+    if (artwork.kind == ArtworkChange::Kind::replace) {
+      auto copy = store.keep(artwork.image);
+      if (!copy) return copy.failure();
+      record.artwork = std::move(*copy);
+    }
+    const auto id = catalogue.add(record);
+    if (!id) return id.failure();
+    record.id = *id;
+    return std::nullopt;
+  });
+  if (failure) return *failure;
+  return record;
+}
+
 std::optional<std::string> devicePathIn(const std::string& assetURL) {
   const auto url = NSURL::URLWithString(assetURL);
   const auto query = url ? url->query() : std::nullopt;

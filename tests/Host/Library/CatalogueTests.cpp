@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <limits>
 #include <sqlite3.h>
 #include <sys/stat.h>
 
@@ -165,6 +167,36 @@ TEST_F(CatalogueTest, ANewSongAtAPathDisplacesTheOneThatIsGone) {
   }
   ASSERT_EQ(catalogue.songs()->size(), 1U);
   EXPECT_EQ(catalogue.songs()->front().download, 2);
+}
+
+TEST_F(CatalogueTest, TellsTheNewestDownloadsAlone) {
+  auto catalogue = opened();
+  for (int i = 0; i < 5; ++i) EXPECT_TRUE(catalogue.add(someDownload()));
+  const auto latest = catalogue.latestDownloads(2);
+  ASSERT_EQ(latest->size(), 2U);
+  EXPECT_EQ(latest->at(0).id, 5);
+  EXPECT_EQ(latest->at(1).id, 4);
+}
+
+TEST_F(CatalogueTest, TellsSongsInPartsAndOneByOne) {
+  auto catalogue = opened();
+  for (int i = 0; i < 5; ++i) {
+    auto record = someDownload();
+    record.id = *catalogue.add(record);
+    record.state = DownloadState::filed;
+    EXPECT_FALSE(catalogue.file(record, someSong("/m/" + std::to_string(i), record.id)));
+  }
+  const auto first = catalogue.songsBefore(std::numeric_limits<int64_t>::max(), 3);
+  ASSERT_EQ(first->size(), 3U);
+  EXPECT_EQ(first->at(0).path, "/m/4");
+  const auto rest = catalogue.songsBefore(first->back().id, 3);
+  ASSERT_EQ(rest->size(), 2U);
+  EXPECT_EQ(rest->back().path, "/m/0");
+  EXPECT_TRUE(catalogue.songsBefore(rest->back().id, 3)->empty());
+  EXPECT_EQ((*catalogue.song(rest->back().id))->path, "/m/0");
+  EXPECT_EQ((*catalogue.songOfDownload(2))->path, "/m/1");
+  EXPECT_FALSE(*catalogue.song(999));
+  EXPECT_FALSE(*catalogue.songOfDownload(999));
 }
 
 TEST_F(CatalogueTest, ACoverIsNeededUntilItsSongIsFiled) {

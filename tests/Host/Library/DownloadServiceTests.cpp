@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "Externals/HTTPServer/HTTPServer.h"
+#include "Host/Library/DownloadTaking.h"
 #include "Host/Library/ServiceUnderTest.h"
 #include "Support/AudioFiles.h"
 #include "Support/TagBytes.h"
@@ -250,6 +251,23 @@ TEST_F(DownloadServiceTest, AFailedDownloadCanBeTriedAgain) {
   EXPECT_EQ(under.recorder().ended[1].state, DownloadState::filed) << under.recorder().ended[1].reason;
   EXPECT_TRUE(under.service().retry(failed.id));
   EXPECT_TRUE(under.service().retry(999));
+}
+
+TEST_F(DownloadServiceTest, TakesADownloadThatAnotherProgramHasWrittenIntoTheCatalogue) {
+  auto elsewhere = Catalogue::open(under.settings().dataFolder);
+  const ArtworkStore artwork(under.settings().dataFolder);
+  const auto record = takeOver(
+      recordOf(*ServiceUnderTest::download({media("a.mp3", songBytes(1)), someTags})), *elsewhere, artwork);
+  ASSERT_TRUE(record) << record.failure().reason;
+  EXPECT_FALSE(under.service().take(record->id));
+  EXPECT_FALSE(under.service().take(record->id));  // which changes nothing
+  under.runUntilEnded(1);
+  EXPECT_EQ(under.recorder().ended[0].id, record->id);
+  EXPECT_EQ(under.recorder().ended[0].state, DownloadState::filed) << under.recorder().ended[0].reason;
+  EXPECT_FALSE(under.service().take(record->id));
+  EXPECT_TRUE(under.service().isIdle());
+  EXPECT_TRUE(under.service().take(999));
+  EXPECT_EQ(under.recorder().ended.size(), 1U);
 }
 
 TEST_F(DownloadServiceTest, TheCoverOfAFailedDownloadIsKeptForTheNextTry) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "Platform/Foundation/Sockets/LaterTurn.h"
 
@@ -22,6 +23,9 @@ class Descriptor {
 
   /// -1 once it is closed.
   int number() const { return _number; }
+
+  /// Gives the open descriptor to the caller; only while nobody has waited for it yet.
+  [[nodiscard]] int release() { return std::exchange(_number, -1); }
 
   /// Closes it, and forgets whoever waits for it. Does nothing when that has happened already.
   void close();
