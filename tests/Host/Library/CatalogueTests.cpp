@@ -3,11 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <limits>
 #include <thread>
 
 #include "Support/TemporaryFolder.h"
