@@ -1,5 +1,6 @@
 #include <nlohmann/json.hpp>
 
+#include "Controllers/ImportAudioController.h"
 #include "Host/CommandLine/Commands.h"
 #include "Host/CommandLine/ServeSession.h"
 #include "Host/CommandLine/ServiceRegistration.h"
@@ -7,6 +8,7 @@
 #include "Host/Environment/InterruptWatch.h"
 #include "Host/Instances/ServingInstance.h"
 #include "Host/Library/DataLock.h"
+#include "Host/Screens/Screens.h"
 
 namespace quaverly::commandline {
 namespace {
@@ -30,6 +32,13 @@ ExitStatus servedAlready(const Console& console, const std::string& dataFolder) 
                                ") serves this data folder already. Its page is at " + page->address});
 }
 
+/// The device's first screen, shown to the pages.
+std::unique_ptr<page::PageDelegate> makeScreens(page::PageRoutes& routes) {
+  const auto browser = make<ImportAudioController>();
+  browser->init();
+  return std::make_unique<screens::Screens>(routes, make<UINavigationController>(browser));
+}
+
 void announce(const Console& console, const std::string& address) {
   console.result(address);
   console.object({{"address", address}});
@@ -51,7 +60,7 @@ ExitStatus runServe(Console& console, const CommonOptions& common, const ServeOp
   if (!*turn) return servedAlready(console, common.data);
 
   const ServiceRegistration registration(**service);
-  ServeSession session(device, **service, options, nullptr);
+  ServeSession session(device, **service, options, makeScreens);
   if (const auto failure = session.start()) return cannotServe(console, *failure);
   running = &session;
   announce(console, session.address());
