@@ -108,10 +108,11 @@ std::string systemVersion(const fs::path& osRelease) {
 }
 
 std::map<std::string, std::string, std::less<>> fontFiles(const fs::path& fonts) {
-  constexpr std::array<std::pair<const char*, const char*>, 4> places{{
+  constexpr std::array<std::pair<const char*, const char*>, 5> places{{
       {"Arial", "truetype/liberation2/LiberationSans-Regular.ttf"},
       {"Arial", "truetype/liberation/LiberationSans-Regular.ttf"},
       {"HelveticaNeue", "opentype/inter/Inter-Regular.otf"},
+      {"HelveticaNeue-Medium", "opentype/inter/Inter-Medium.otf"},
       {"HelveticaNeue-UltraLight", "opentype/inter/Inter-Thin.otf"},
   }};
   std::map<std::string, std::string, std::less<>> files;

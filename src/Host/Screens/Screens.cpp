@@ -39,7 +39,10 @@ void appendNode(std::string& nodes, uint64_t identity, const std::string& text) 
 }  // namespace
 
 Screens::Screens(page::PageRoutes& routes, Ref<UIViewController> root)
-    : _images(routes), _pictures(routes), _window(make<UIWindow>(UIScreen::mainScreen().bounds())) {
+    : _fonts(routes),
+      _images(routes),
+      _pictures(routes),
+      _window(make<UIWindow>(UIScreen::mainScreen().bounds())) {
   _window->makeKeyAndVisible();
   _window->setRootViewController(std::move(root));
   CATransaction::setCommit([this] { update(); });

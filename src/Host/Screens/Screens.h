@@ -8,6 +8,7 @@
 #include "Host/Page/PageRoutes.h"
 #include "Host/Screens/PickedPictures.h"
 #include "Host/Screens/ScreenEvents.h"
+#include "Host/Screens/ShownFonts.h"
 #include "Host/Screens/ShownImages.h"
 #include "Host/Screens/TreeDescription.h"
 #include "Platform/UIKit/UIWindow.h"
@@ -40,6 +41,7 @@ class Screens : public page::PageDelegate {
   std::string wholeTree() const;
   std::string changeFrom(const NodeTexts& before, const std::string& screenBefore) const;
 
+  ShownFonts _fonts;
   ShownImages _images;
   PickedPictures _pictures;
   ScreenEvents _events;

@@ -348,6 +348,16 @@ TEST_F(ScreensTest, PicturesAreFetchedByTheirPath) {
   EXPECT_EQ(ask(PageMethod::get, "/image/../x").status, 404);
 }
 
+TEST_F(ScreensTest, FontsAreTheFilesThatTextIsMeasuredWith) {
+  start();
+  const auto answer = ask(PageMethod::get, "/fonts/Arial");
+  EXPECT_EQ(answer.status, 200);
+  EXPECT_EQ(answer.contentType, "font/ttf");
+  EXPECT_EQ(answer.body.text(), test::contentsOf(*UIFont::fileForName("Arial")));
+  EXPECT_EQ(ask(PageMethod::get, "/fonts/HelveticaNeue").contentType, "font/otf");
+  EXPECT_EQ(ask(PageMethod::get, "/fonts/../Arial").status, 404);
+}
+
 class PickingTest : public ScreensTest {
  protected:
   void SetUp() override {
