@@ -41,6 +41,7 @@ const words = {
   'library': 'Library',
   'library.none': 'No songs yet.',
   'library.more': 'Older songs',
+  'library.track': 'Track {track}',
   'library.play': 'Play {title}',
   'library.pause': 'Pause {title}',
   'library.player': 'Player',

@@ -160,9 +160,15 @@ test('Only rows that can be chosen answer click and Enter', async () => {
   assert.equal(await page.getByRole('listitem').nth(1).getAttribute('aria-posinset'), '2');
 });
 
-test('An empty table is no list', async () => {
-  await host.show(page, {1: root([2]), 2: {kind: 'table', place: [0, 0, 375, 667], content: [375, 0], children: [3]}, 3: label('No files here', [100, 250, 175, 30])});
+test('An empty table is no list, but what else stands in it is seen', async () => {
+  await host.show(page, {
+    1: root([2]),
+    2: {kind: 'table', place: [0, 0, 375, 667], content: [375, 0], inset: [64, 0, 0, 0], offset: [0, -64], moved: 1, children: [3]},
+    3: label('No files here', [100, 250, 175, 30]),
+  });
   assert.equal(await page.locator('#screen').getByRole('list').count(), 0);
+  const seen = await page.evaluate(() => document.elementFromPoint(187, 64 + 265).textContent);
+  assert.equal(seen, 'No files here');
 });
 
 test('Shapes draw the part of an ellipse that is asked for', async () => {

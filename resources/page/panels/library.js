@@ -23,7 +23,7 @@ class Song {
     this.name = title;
     this.title.textContent = title;
     this.artist.textContent = artist ?? '';
-    this.album.textContent = [album, track && `${track}`, year && `${year}`].filter(Boolean).join(' · ');
+    this.album.textContent = [album, track && say('library.track', {track}), year].filter(Boolean).join(' · ');
     this.element.title = path;
     this.showCover(hasCover);
     this.showPlaying(this.isPlaying);

@@ -1,0 +1,76 @@
+// How long a person waits for the page. Measured in the page itself, on a real `quaverly serve`.
+import assert from 'node:assert/strict';
+import fs from 'node:fs';
+import path from 'node:path';
+import {after, afterEach, before, beforeEach, test} from 'node:test';
+import {desk, launch} from './support/browser.mjs';
+import {Phone} from './support/phone.mjs';
+import {Program} from './support/program.mjs';
+
+let browser, program, phone;
+
+before(async () => (browser = await launch()));
+after(() => browser.close());
+beforeEach(() => (program = new Program()));
+afterEach(async () => {
+  await phone.page.context().close();
+  await program.end();
+  assert.deepEqual(phone.page.problems, []);
+});
+
+const open = async () => (phone = await Phone.open(browser, await program.serve(), desk));
+const median = values => values.sort((a, b) => a - b)[Math.floor(values.length / 2)];
+
+/** Milliseconds from a tap to the first change of the device's screen. */
+function tapToChange(locator) {
+  return locator.evaluate(async element => {
+    const start = performance.now();
+    const changed = new Promise(done => {
+      const watch = new MutationObserver(() => {
+        watch.disconnect();
+        done(performance.now() - start);
+      });
+      watch.observe(document.getElementById('screen'), {subtree: true, childList: true, characterData: true});
+    });
+    element.click();
+    return changed;
+  });
+}
+
+test('A tap changes the page within 50 ms', async t => {
+  for (const name of ['a', 'b', 'c']) fs.writeFileSync(path.join(program.media, `${name}.mp3`), '');
+  fs.mkdirSync(path.join(program.media, 'Folder'));
+  await open();
+  const times = [];
+  for (let round = 0; round < 15; round += 1) {
+    times.push(await tapToChange(phone.row('Folder')));
+    await phone.waitForFolder('/var/mobile/Media/Folder');
+    times.push(await tapToChange(phone.button('/Media')));
+    await phone.row('Folder').waitFor();
+  }
+  t.diagnostic(`from tap to change, median of ${times.length}: ${median(times).toFixed(1)} ms`);
+  assert.ok(median(times) < 50);
+});
+
+test('Ten thousand files scroll without a blank second', async t => {
+  for (let each = 0; each < 10_000; each += 1) fs.writeFileSync(path.join(program.media, `Song ${String(each).padStart(5, '0')}.mp3`), '');
+  await open();
+  await phone.row('Song 00000.mp3').waitFor();
+  const blank = await phone.screen.locator('.scroller').first().evaluate(async scroller => {
+    const frame = () => new Promise(requestAnimationFrame);
+    const {left, top, height} = scroller.getBoundingClientRect();
+    const isBlank = () => !document.elementFromPoint(left + 150, top + height / 2)?.closest('.cell');
+    let since = null;
+    let longest = 0;
+    while (scroller.scrollTop + scroller.clientHeight < scroller.scrollHeight - 1) {
+      scroller.scrollTop += 5000;
+      await frame();
+      if (isBlank()) longest = Math.max(longest, performance.now() - (since ??= performance.now()));
+      else since = null;
+    }
+    return longest;
+  });
+  t.diagnostic(`longest blank: ${blank.toFixed(0)} ms`);
+  assert.ok(blank < 200);
+  await phone.row('Song 09999.mp3').waitFor();
+});
