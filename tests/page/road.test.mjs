@@ -54,7 +54,7 @@ for (const [name, viewport] of [['phone', phoneSize], ['desk', desk]]) {
     await phone.field('Title').fill('Lantern Walk at Night');
     await phone.field('Year').fill('2025');
     const chooser = phone.page.waitForEvent('filechooser');
-    await phone.button('Choose picture').click();
+    await phone.button('Choose cover').click();
     await chooser;
     await phone.still();
     await keepShot(phone.page, `${name}-4-picker`);
@@ -209,7 +209,7 @@ test('The whole road can be taken by keyboard alone', async () => {
   await tabTo(phone.field('Album'));
   await keyboard.press('Control+A');
   await keyboard.type('Second Steps');
-  await tabTo(phone.button('Choose picture'));
+  await tabTo(phone.button('Choose cover'));
   await keyboard.press('Enter');
   await phone.page.getByRole('dialog').waitFor();
   await phone.page.locator('input[type=file]').setInputFiles({name: 'a.png', mimeType: 'image/png', buffer: await redAndBlue(phone.page, 300, 300)});
@@ -248,7 +248,7 @@ test('A picked file that is no picture changes nothing', async () => {
   await phone.openSong('lantern.mp3', 'Lantern Walk');
   while ((await phone.pictures()).length < 2) await phone.frame();
   const before = await phone.pictures();
-  await phone.button('Choose picture').click();
+  await phone.button('Choose cover').click();
   await phone.page.locator('input[type=file]').setInputFiles({name: 'song.mp3', mimeType: 'audio/mpeg', buffer: fs.readFileSync(lantern)});
   await phone.page.getByRole('dialog').getByText('“song.mp3” is no picture').waitFor();
   await keepShot(phone.page, 'no-picture');
