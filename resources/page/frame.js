@@ -29,6 +29,8 @@ export class Frame {
     this.frame = document.getElementById('frame');
     this.screen = document.getElementById('screen');
     this.panels = document.getElementById('panels');
+    this.frame.setAttribute('role', 'group');
+    this.frame.setAttribute('aria-label', say('device'));
     this.makeButtons();
     this.showTime();
     for (const target of [window, window.visualViewport, screen.orientation]) {

@@ -29,3 +29,6 @@ const connection = new Connection({
   onState: tellConnection,
   introduction: () => frame.introduce(),
 });
+
+// Without anybody who listens, Safari shows no row as pressed.
+document.addEventListener('touchstart', () => {}, {passive: true});

@@ -1,8 +1,9 @@
 // What a person taps or switches.
 
+import {part} from '../elements.js';
 import {Picture} from './image.js';
 import {showFont} from './text.js';
-import {View, part} from './view.js';
+import {View} from './view.js';
 
 export class Button extends View {
   constructor(device, id) {

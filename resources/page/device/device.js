@@ -6,7 +6,7 @@ import {Cell} from './cell.js';
 import {Edits} from './edits.js';
 import {Field} from './field.js';
 import {Focus} from './focus.js';
-import {Image} from './image.js';
+import {ImageView} from './image.js';
 import {Bar, Wheel} from './simple.js';
 import {Table} from './table.js';
 import {Label} from './text.js';
@@ -15,7 +15,7 @@ import {View} from './view.js';
 const kinds = {
   view: View,
   label: Label,
-  image: Image,
+  image: ImageView,
   button: Button,
   field: Field,
   switch: Switch,

@@ -56,7 +56,7 @@ export class Picture {
   }
 }
 
-export class Image extends View {
+export class ImageView extends View {
   constructor(device, id) {
     super(device, id);
     this.picture = new Picture(this.element);

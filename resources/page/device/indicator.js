@@ -1,6 +1,6 @@
 // Shows how far a table is scrolled, while it is; it takes no room.
 
-import {part} from './view.js';
+import {part} from '../elements.js';
 
 const least = 36;
 const margin = 3;

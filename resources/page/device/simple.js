@@ -1,7 +1,8 @@
 // The kinds that need few words.
 
+import {part} from '../elements.js';
 import {say} from '../words.js';
-import {View, part} from './view.js';
+import {View} from './view.js';
 
 export class Bar extends View {
   constructor(device, id) {

@@ -1,9 +1,10 @@
 // Tables: rows that a person scrolls. The host makes the rows that are in sight, and hears where that is.
 
+import {part} from '../elements.js';
 import {arrange} from './arrange.js';
 import {Cell} from './cell.js';
 import {Indicator} from './indicator.js';
-import {View, part} from './view.js';
+import {View} from './view.js';
 
 export class Table extends View {
   constructor(device, id) {

@@ -1,6 +1,7 @@
 // Words: how they look, and the labels that show nothing else.
 
-import {View, part} from './view.js';
+import {part} from '../elements.js';
+import {View} from './view.js';
 
 /** Fonts are known by the names that the host's nodes use. */
 export function showFont(style, {font, size}) {

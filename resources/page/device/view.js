@@ -84,11 +84,3 @@ export class View {
     else this.element.setAttribute(name, value);
   }
 }
-
-/** An element that is no node. */
-export function part(tag, className, parent) {
-  const element = document.createElement(tag);
-  element.className = className;
-  parent?.append(element);
-  return element;
-}

@@ -1,6 +1,6 @@
 // What becomes of each import.
 
-import {part} from '../device/view.js';
+import {part} from '../elements.js';
 import {say, sayBytes} from '../words.js';
 import {ItemList} from './list.js';
 

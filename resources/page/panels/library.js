@@ -1,6 +1,6 @@
 // What was filed so far, to look at and to listen to.
 
-import {part} from '../device/view.js';
+import {part} from '../elements.js';
 import {say} from '../words.js';
 import {ItemList} from './list.js';
 

@@ -1,6 +1,7 @@
 // The picture picker: the browser's own file chooser, then a square to cut the picture to.
 
-import {View, part} from '../device/view.js';
+import {View} from '../device/view.js';
+import {part} from '../elements.js';
 import {say} from '../words.js';
 import {Crop} from './crop.js';
 import {Gestures} from './gestures.js';
