@@ -1,10 +1,8 @@
-#include <xxhash.h>
-
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <vector>
 
+#include "Host/Library/ContentHasher.h"
 #include "Host/Library/TagRewriter.h"
 #include "Platform/AVFoundation/FileBytes.h"
 #include "Platform/AVFoundation/TagsAround.h"
@@ -15,40 +13,29 @@ namespace {
 /// Hashes pieces of a file. After a failed read the result is nothing.
 class FileHasher {
  public:
-  explicit FileHasher(int descriptor) : _descriptor(descriptor), _state(XXH3_createState()) {
-    XXH3_128bits_reset(_state.get());
-  }
+  explicit FileHasher(int descriptor) : _descriptor(descriptor) {}
 
   void add(uint64_t offset, uint64_t length) {
     while (length > 0 && !_failed) {
-      const size_t count = tags::readAt(_descriptor, offset,
-                                        std::span(_piece).first(std::min<uint64_t>(length, _piece.size())));
+      const auto piece = std::span(_piece).first(std::min<uint64_t>(length, _piece.size()));
+      const size_t count = tags::readAt(_descriptor, offset, piece);
       if (count == 0) return fail();
-      XXH3_128bits_update(_state.get(), _piece.data(), count);
+      _hasher.add(std::as_bytes(piece.first(count)));
       offset += count;
       length -= count;
     }
   }
 
-  void add(tags::Bytes bytes) { XXH3_128bits_update(_state.get(), bytes.data(), bytes.size()); }
   void fail() { _failed = true; }
 
   std::optional<ContentHash> result() const {
     if (_failed) return std::nullopt;
-    XXH128_canonical_t canonical;
-    XXH128_canonicalFromHash(&canonical, XXH3_128bits_digest(_state.get()));
-    ContentHash hash;
-    std::ranges::copy(canonical.digest, hash.bytes.begin());
-    return hash;
+    return _hasher.hash();
   }
 
  private:
-  struct Free {
-    void operator()(XXH3_state_t* state) const { XXH3_freeState(state); }
-  };
-
   int _descriptor;
-  std::unique_ptr<XXH3_state_t, Free> _state;
+  ContentHasher _hasher;
   std::vector<uint8_t> _piece = std::vector<uint8_t>(size_t{256} << 10);
   bool _failed = false;
 };

@@ -1,10 +1,16 @@
 #include "Host/Library/ContentHasher.h"
 
 #include <unistd.h>
-#include <xxhash.h>
 
 #include <cstring>
 #include <vector>
+
+// Where the processor decides, the library looks for the widest instructions that it has.
+#ifdef __x86_64__
+#include <xxh_x86dispatch.h>
+#else
+#include <xxhash.h>
+#endif
 
 namespace quaverly::library {
 namespace {
