@@ -32,6 +32,12 @@ struct Device {
   /// The platform's own words, such as "Cancel", in the user's language; they stay English without it.
   std::function<std::string(std::string_view)> systemWords;
   std::string systemVersion = "8.4";
+  /// What `uname` says of the machine, for example "x86_64".
+  std::string machine;
+  /// What tells this device from others, made for this application; empty when there is nothing to tell.
+  std::string uniqueIdentifier;
+  /// Where programs of the user's session send messages to each other, as a D-Bus address; empty for nowhere.
+  std::string messageBusAddress;
   /// Uniformly random 32-bit numbers.
   std::function<uint32_t()> random = [] { return 0U; };
 

@@ -16,6 +16,9 @@ class NSClass {
   NSClass(const NSClass&) = delete;
   NSClass& operator=(const NSClass&) = delete;
 
+  /// A new instance.
+  virtual Ref<NSObject> allocObject() const = 0;
+
   std::string_view name() const { return _name; }
   std::string_view framework() const { return _framework; }
 
@@ -31,6 +34,7 @@ class NSClassOf : public NSClass {
  public:
   using NSClass::NSClass;
   Ref<T> alloc() const { return make<T>(); }
+  Ref<NSObject> allocObject() const override { return alloc(); }
 };
 
 /// The class of that name, or null when no such class is known, its framework is not loaded, or the device
@@ -48,6 +52,15 @@ template <class T>
 Ref<T> allocFromString(std::string_view className) {
   const auto* found = NSClassFromString<T>(className);
   return found ? found->alloc() : nullptr;
+}
+
+/// A new instance of a class that need not be known here, as the kind of object that it must be: nothing when
+/// there is no such class, or its objects are of another kind.
+template <class Kind>
+Ref<Kind> allocKindFromString(std::string_view className) {
+  const auto* found = NSClassFromString(className);
+  const Ref<NSObject> object = found ? found->allocObject() : nullptr;
+  return Ref<Kind>(dynamic_cast<Kind*>(object.get()));
 }
 
 }  // namespace quaverly

@@ -68,7 +68,8 @@ class NSData {
   std::optional<Slice> slice() const;
 
   /// Replaces the file at a device path by these bytes: written beside it and renamed into place, so that a
-  /// reader sees the old file or the new one. False when that fails; nothing half-written remains.
+  /// reader sees the old file or the new one. False when that fails, and the log says why; nothing
+  /// half-written remains.
   [[nodiscard]] bool writeToFileAtomically(std::string_view devicePath) const;
 
  private:

@@ -5,9 +5,11 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "Platform/Device/Device.h"
 #include "Platform/Foundation/NSData.h"
+#include "Platform/Foundation/NSLog.h"
 
 namespace quaverly {
 namespace {
@@ -59,15 +61,22 @@ class Replacement {
   bool _renamed = false;
 };
 
+/// Returns 0 or an `errno` value.
+int write(std::span<const std::byte> bytes, std::string_view devicePath) {
+  const auto location = Device::current().mounts.resolve(devicePath);
+  if (!location) return ENOENT;
+  if (location->access != MountTable::Access::readWrite) return EROFS;
+  Replacement replacement(location->hostPath);
+  return replacement.isOpen() && replacement.write(bytes) && replacement.takeThePlace() ? 0 : errno;
+}
+
 }  // namespace
 
 bool NSData::writeToFileAtomically(std::string_view devicePath) const {
-  const auto location = Device::current().mounts.resolve(devicePath);
-  if (!location || location->access != MountTable::Access::readWrite) return false;
   const auto contents = bytes();
-  if (contents.size() != _length) return false;
-  Replacement replacement(location->hostPath);
-  return replacement.isOpen() && replacement.write(contents) && replacement.takeThePlace();
+  const int error = contents.size() == _length ? write(contents, devicePath) : EIO;
+  if (error != 0) NSLog("Cannot write \"" + std::string(devicePath) + "\": " + std::strerror(error));
+  return error == 0;
 }
 
 }  // namespace quaverly

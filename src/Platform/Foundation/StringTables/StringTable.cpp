@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "Platform/Foundation/NSPropertyListSerialization.h"
 #include "Platform/Foundation/NSString.h"
-#include "Platform/Foundation/StringTables/PropertyListTexts.h"
 #include "Platform/Foundation/StringTables/StringTableParser.h"
 #include "Platform/Foundation/StringTables/UTF16.h"
 
@@ -24,11 +24,22 @@ bool isXML(std::string_view text) {
   return text.starts_with("<?xml") || text.starts_with("<!DOCTYPE") || text.starts_with("<plist");
 }
 
+/// The entries of a property list that are texts; nothing when its top is no dictionary.
+std::optional<Texts> textsInPropertyList(std::string_view bytes) {
+  const auto list = NSPropertyListSerialization::propertyListWithData(bytes);
+  const auto* dictionary = list ? list->dictionary() : nullptr;
+  if (!dictionary) return std::nullopt;
+  Texts texts;
+  for (const auto& [key, value] : dictionary->entries())
+    if (value.string()) texts.insert_or_assign(key, *value.string());
+  return texts;
+}
+
 std::optional<Texts> textsIn(std::string_view bytes) {
-  if (bytes.starts_with("bplist")) return textsInBinaryPropertyList(bytes);
+  if (bytes.starts_with("bplist")) return textsInPropertyList(bytes);
   const auto text = decoded(bytes);
   if (!text) return std::nullopt;
-  return isXML(*text) ? textsInXMLPropertyList(*text) : textsInPairs(*text);
+  return isXML(*text) ? textsInPropertyList(*text) : textsInPairs(*text);
 }
 
 }  // namespace

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Platform/Foundation/NSBundle.h"
+#include "Platform/Preferences/PSSpecifier.h"
+#include "Platform/Preferences/PSViewController.h"
+
+namespace quaverly {
+
+/// A pane: a list of rows in groups, as specifiers describe them. Main thread only.
+class PSListController : public PSViewController {
+ public:
+  /// Groups, each followed by its rows. Shared, and never changed once it is made.
+  using Specifiers = std::shared_ptr<const std::vector<Ref<PSSpecifier>>>;
+
+  /// The bundle that the pane belongs to: where its property lists and their words lie. Set by whoever loads
+  /// the pane, before anything is asked of it; null for none.
+  void setBundle(Ref<NSBundle> bundle) { _bundle = std::move(bundle); }
+  const Ref<NSBundle>& bundle() const { return _bundle; }
+
+  /// What the pane shows. Panes make their own and keep them in `_specifiers`.
+  virtual Specifiers specifiers() { return _specifiers; }
+
+  /// What a row of a property list may call: the pane's operation of that name; nothing when it has none.
+  virtual std::optional<UITargetAction> actionNamed(std::string_view name);
+
+  /// The rows of the bundle's property list of that name, in the user's language; buttons call the target.
+  /// Rows of unknown kinds, and those that name classes or operations that are not there, are left out, and
+  /// the log says so. Without a readable list there are no rows.
+  Specifiers loadSpecifiersFromPlistNameTarget(std::string_view name, PSListController* target) const;
+
+ protected:
+  Specifiers _specifiers;
+
+ private:
+  Ref<NSBundle> _bundle;
+};
+
+}  // namespace quaverly
