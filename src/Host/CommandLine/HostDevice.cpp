@@ -7,7 +7,10 @@
 #include <cstring>
 #include <random>
 
+#include "Host/Environment/DataFolder.h"
 #include "Host/Environment/DeviceFacts.h"
+#include "Host/Environment/MachineFacts.h"
+#include "Platform/AppSupport/CPDistributedMessagingCenter.h"
 #include "Platform/Device/Device.h"
 #include "Platform/Foundation/NSRunLoop.h"
 #include "Platform/Foundation/NSString.h"
@@ -17,6 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using library::Failure;
+
+constexpr const char* bundlePath = "/Library/PreferenceBundles/QuaverlySettings.bundle";
 
 fs::path makeTemporaryFolder() {
   std::string pattern = (fs::temp_directory_path() / "quaverly-XXXXXX").string();
@@ -34,6 +39,9 @@ void fillFacts(Device& device, const fs::path& bundle) {
   device.preferredLanguages = host::preferredLanguages(host::processEnvironment, bundle);
   device.systemVersion = host::systemVersion();
   device.fontFiles = host::fontFiles();
+  device.machine = host::machineName();
+  device.uniqueIdentifier = host::deviceIdentity();
+  device.messageBusAddress = host::messageBusAddress(host::processEnvironment);
   device.random = [] {
     static std::random_device source;
     return static_cast<uint32_t>(source());
@@ -67,15 +75,24 @@ HostDevice::HostDevice(const CommonOptions& options)
   const fs::path bundle = host::bundleFolder();
   device.mounts.mount(mediaPath, _media, MountTable::Access::readOnly);
   device.mounts.mount("/var/mobile/Media/Quaverly/tmp", _temporary, MountTable::Access::readWrite);
-  device.mounts.mount("/Library/PreferenceBundles/QuaverlySettings.bundle", bundle,
-                      MountTable::Access::readOnly);
+  device.mounts.mount(bundlePath, bundle, MountTable::Access::readOnly);
   fillFacts(device, bundle);
   Device::current() = device;
 }
 
 HostDevice::~HostDevice() {
+  CPDistributedMessagingCenter::finishSending();
   std::error_code ignored;
   fs::remove_all(_temporary, ignored);
+}
+
+library::MaybeFailure HostDevice::provideEngines() const {
+  const fs::path own = fs::path(_settings.dataFolder) / "engines";
+  auto error = host::makeDataFolder(_settings.dataFolder);
+  if (!error) error = host::provideEngines(host::bundleFolder() / "engines", own);
+  if (error) return Failure{"There can be no engines in " + own.string() + " (" + error.message() + ")."};
+  Device::current().mounts.mount(std::string(bundlePath) + "/engines", own, MountTable::Access::readWrite);
+  return std::nullopt;
 }
 
 library::Result<DeviceFile> reachFile(const std::string& file, library::OutsideFiles& outsideFiles) {

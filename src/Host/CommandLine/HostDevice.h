@@ -20,9 +20,13 @@ class HostDevice {
  public:
   /// Throws std::filesystem::filesystem_error when there can be no temporary folder.
   explicit HostDevice(const CommonOptions& options);
+  /// Lets messages to other programs out first.
   ~HostDevice();
   HostDevice(const HostDevice&) = delete;
   HostDevice& operator=(const HostDevice&) = delete;
+
+  /// Puts the user's own engine files, which can be switched, in place of those that come with the program.
+  library::MaybeFailure provideEngines() const;
 
   static constexpr const char* mediaPath = "/var/mobile/Media";
 

@@ -44,4 +44,10 @@ struct ImportOptions {
   bool dryRun = false;
 };
 
+struct EnginesOptions {
+  enum class Action { list, enable, disable };
+  Action action = Action::list;
+  std::string name;  ///< a title or a file name
+};
+
 }  // namespace quaverly::commandline

@@ -103,6 +103,23 @@ void addInfo(CLI::App& app, const CommonOptions& common, std::string& file, Comm
   command->callback([&] { chosen = [&](Console& console) { return runInfo(console, common, file); }; });
 }
 
+void addEngines(CLI::App& app, const CommonOptions& common, EnginesOptions& options, Command& chosen) {
+  using Action = EnginesOptions::Action;
+  auto* command = app.add_subcommand("engines", "List the add-on's engines, or switch one on or off");
+  command->fallthrough()->require_subcommand(0, 1);
+  command->callback([&] { chosen = [&](Console& console) { return runEngines(console, common, options); }; });
+  command->add_subcommand("list", "List them: what happens without a word, too")->fallthrough();
+  const auto add = [&](const char* name, const char* meaning, Action action) {
+    auto* turning = command->add_subcommand(name, meaning)->fallthrough();
+    turning->add_option("NAME", options.name, "An engine's title, or the name of its file")
+        ->required()
+        ->type_name("");
+    turning->callback([&options, action] { options.action = action; });
+  };
+  add("enable", "Switch an engine on", Action::enable);
+  add("disable", "Switch an engine off", Action::disable);
+}
+
 void addListings(CLI::App& app, const CommonOptions& common, Command& chosen) {
   app.add_subcommand("library", "List the songs filed so far, newest first")->callback([&] {
     chosen = [&](Console& console) { return runLibrary(console, common); };
@@ -143,6 +160,7 @@ int runProgram(int argumentCount, char** arguments) {
   CommonOptions common = defaultOptions();
   ServeOptions serve;
   ImportOptions import;
+  EnginesOptions engines;
   std::string path;
   std::string file;
   Command chosen;
@@ -154,6 +172,7 @@ int runProgram(int argumentCount, char** arguments) {
   addImport(app, common, import, chosen);
   addList(app, common, path, chosen);
   addInfo(app, common, file, chosen);
+  addEngines(app, common, engines, chosen);
   addListings(app, common, chosen);
   try {
     app.parse(argumentCount, arguments);

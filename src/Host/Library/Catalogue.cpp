@@ -1,12 +1,9 @@
 #include "Host/Library/Catalogue.h"
 
-#include <sys/stat.h>
-
 #include <charconv>
 #include <chrono>
-#include <filesystem>
-#include <system_error>
 
+#include "Host/Environment/DataFolder.h"
 #include "Host/Library/CatalogueSchema.h"
 #include "Host/Library/Database.h"
 #include "Host/Library/SystemFailure.h"
@@ -133,10 +130,8 @@ MaybeFailure forgetIntention(Database& database, DownloadID id) {
   return database.prepare("DELETE FROM songs WHERE download = ? AND filed IS NULL").bind(id).run();
 }
 
-MaybeFailure makeDataFolder(const std::string& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(std::filesystem::path(folder).parent_path(), error);
-  if (!error && mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) error = {errno, std::generic_category()};
+MaybeFailure makeFolder(const std::string& folder) {
+  const auto error = host::makeDataFolder(folder);
   if (error) return systemFailure("The data folder " + folder + " cannot be made", error.value());
   return std::nullopt;
 }
@@ -148,7 +143,7 @@ Catalogue::Catalogue(Catalogue&&) noexcept = default;
 Catalogue::~Catalogue() = default;
 
 Result<Catalogue> Catalogue::open(const std::string& dataFolder) {
-  if (auto failure = makeDataFolder(dataFolder)) return *failure;
+  if (auto failure = makeFolder(dataFolder)) return *failure;
   auto database = Database::open(dataFolder + "/catalogue.sqlite");
   if (!database) return database.failure();
   if (auto failure = prepareCatalogue(**database)) return *failure;
