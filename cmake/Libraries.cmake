@@ -16,6 +16,7 @@ pkg_check_modules(TagLib REQUIRED IMPORTED_TARGET taglib)
 pkg_check_modules(TurboJPEG REQUIRED IMPORTED_TARGET libturbojpeg)
 pkg_check_modules(xxHash REQUIRED IMPORTED_TARGET libxxhash)
 pkg_check_modules(glib REQUIRED IMPORTED_TARGET glib-2.0)
+pkg_check_modules(gmime REQUIRED IMPORTED_TARGET gmime-3.0)
 pkg_check_modules(plist REQUIRED IMPORTED_TARGET libplist-2.0)
 
 add_library(quaverly_asio INTERFACE)

@@ -12,6 +12,7 @@ ExitStatus runServe(Console& console, const CommonOptions& common, const ServeOp
 ExitStatus runImport(Console& console, const CommonOptions& common, const ImportOptions& options);
 ExitStatus runList(const Console& console, const CommonOptions& common, const std::string& path);
 ExitStatus runInfo(const Console& console, const CommonOptions& common, const std::string& file);
+ExitStatus runMail(const Console& console, const CommonOptions& common, const std::string& output);
 ExitStatus runEngines(const Console& console, const CommonOptions& common, const EnginesOptions& options);
 ExitStatus runLibrary(const Console& console, const CommonOptions& common);
 ExitStatus runDownloads(const Console& console, const CommonOptions& common);

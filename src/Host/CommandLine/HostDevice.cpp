@@ -95,6 +95,11 @@ library::MaybeFailure HostDevice::provideEngines() const {
   return std::nullopt;
 }
 
+void HostDevice::providePackageStatus() const {
+  constexpr const char* status = "/var/lib/dpkg/status";
+  Device::current().mounts.mount(status, status, MountTable::Access::readOnly);
+}
+
 library::Result<DeviceFile> reachFile(const std::string& file, library::OutsideFiles& outsideFiles) {
   if (const auto problem = problemWith(file)) return *problem;
   const std::string path = absolutePath(file);

@@ -28,6 +28,9 @@ class HostDevice {
   /// Puts the user's own engine files, which can be switched, in place of those that come with the program.
   library::MaybeFailure provideEngines() const;
 
+  /// Lets a support mail read which packages are installed.
+  void providePackageStatus() const;
+
   static constexpr const char* mediaPath = "/var/mobile/Media";
 
   const std::filesystem::path& media() const { return _media; }

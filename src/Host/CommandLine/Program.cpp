@@ -120,6 +120,13 @@ void addEngines(CLI::App& app, const CommonOptions& common, EnginesOptions& opti
   add("disable", "Switch an engine off", Action::disable);
 }
 
+void addMail(CLI::App& app, const CommonOptions& common, std::string& output, Command& chosen) {
+  auto* command = app.add_subcommand("mail", "Write to support, with what the machine is and has installed");
+  command->add_option("--output", output, "Save the mail as a draft instead of sending it")
+      ->type_name("FILE.eml");
+  command->callback([&] { chosen = [&](Console& console) { return runMail(console, common, output); }; });
+}
+
 void addListings(CLI::App& app, const CommonOptions& common, Command& chosen) {
   app.add_subcommand("library", "List the songs filed so far, newest first")->callback([&] {
     chosen = [&](Console& console) { return runLibrary(console, common); };
@@ -161,6 +168,7 @@ int runProgram(int argumentCount, char** arguments) {
   ServeOptions serve;
   ImportOptions import;
   EnginesOptions engines;
+  std::string output;
   std::string path;
   std::string file;
   Command chosen;
@@ -173,6 +181,7 @@ int runProgram(int argumentCount, char** arguments) {
   addList(app, common, path, chosen);
   addInfo(app, common, file, chosen);
   addEngines(app, common, engines, chosen);
+  addMail(app, common, output, chosen);
   addListings(app, common, chosen);
   try {
     app.parse(argumentCount, arguments);

@@ -1,0 +1,43 @@
+#include "Platform/MessageUI/MFMailComposeViewController.h"
+
+#include <utility>
+
+namespace quaverly {
+namespace {
+
+const MFMailService* service = nullptr;
+
+}  // namespace
+
+bool MFMailComposeViewController::canSendMail() {
+  return service && service->canSendMail();
+}
+
+void MFMailComposeViewController::registerService(const MFMailService* newService) {
+  service = newService;
+}
+
+MFMailComposeViewController* MFMailComposeViewController::initWithNibNameBundle(
+    const std::optional<std::string>&, const Ref<NSBundle>&) {
+  return this;
+}
+
+void MFMailComposeViewController::setMessageBodyIsHTML(std::string body, bool isHTML) {
+  _messageBody = std::move(body);
+  _messageBodyIsHTML = isHTML;
+}
+
+void MFMailComposeViewController::addAttachmentDataMimeTypeFileName(std::optional<NSData> data,
+                                                                    std::string mimeType,
+                                                                    std::string fileName) {
+  if (data) _attachments.push_back({std::move(*data), std::move(mimeType), std::move(fileName)});
+}
+
+void MFMailComposeViewController::finishWithResultError(MFMailComposeResult result,
+                                                        const Ref<NSError>& error) {
+  const Ref<MFMailComposeViewController> self(this);
+  const Ref<NSObject> delegate(_delegateObject.get());
+  if (delegate) _delegate->mailComposeControllerDidFinishWithResultError(*this, result, error);
+}
+
+}  // namespace quaverly

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <concepts>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Platform/Foundation/NSBundle.h"
+#include "Platform/Foundation/NSData.h"
+#include "Platform/Foundation/NSError.h"
+
+namespace quaverly {
+
+class MFMailComposeViewController;
+
+/// What became of a mail. The numbers are the framework's own.
+enum class MFMailComposeResult { cancelled = 0, saved = 1, sent = 2, failed = 3 };
+
+/// Hears when the person is done with a mail.
+class MFMailComposeViewControllerDelegate {
+ public:
+  virtual ~MFMailComposeViewControllerDelegate() = default;
+  virtual void mailComposeControllerDidFinishWithResultError(MFMailComposeViewController& controller,
+                                                             MFMailComposeResult result,
+                                                             const Ref<NSError>& error) = 0;
+};
+
+/// What stands behind the composer: the host's way to send mail.
+class MFMailService {
+ public:
+  virtual ~MFMailService() = default;
+  virtual bool canSendMail() const = 0;
+};
+
+/// The screen on which a person finishes a mail and sends it. Main thread only.
+class MFMailComposeViewController : public NSObject {
+ public:
+  struct Attachment {
+    NSData data;
+    std::string mimeType;
+    std::string fileName;
+  };
+
+  /// Without a service no mail can be sent.
+  static bool canSendMail();
+  /// The service must outlive its registration; null takes it away.
+  static void registerService(const MFMailService* service);
+
+  /// Null when the screen cannot be made; the caller then lets it go.
+  virtual MFMailComposeViewController* initWithNibNameBundle(const std::optional<std::string>& nibName,
+                                                             const Ref<NSBundle>& bundle);
+  MFMailComposeViewController* init() { return initWithNibNameBundle(std::nullopt, nullptr); }
+
+  /// The delegate is not owned.
+  template <class Delegate>
+  requires std::derived_from<Delegate, NSObject> &&
+      std::derived_from<Delegate, MFMailComposeViewControllerDelegate>
+  void setMailComposeDelegate(Delegate* delegate) {
+    _delegateObject = Unowned<NSObject>(delegate);
+    _delegate = delegate;
+  }
+
+  const std::vector<std::string>& toRecipients() const { return _toRecipients; }
+  void setToRecipients(std::vector<std::string> recipients) { _toRecipients = std::move(recipients); }
+  const std::string& subject() const { return _subject; }
+  void setSubject(std::string subject) { _subject = std::move(subject); }
+  const std::string& messageBody() const { return _messageBody; }
+  bool messageBodyIsHTML() const { return _messageBodyIsHTML; }
+  void setMessageBodyIsHTML(std::string body, bool isHTML);
+  const std::vector<Attachment>& attachments() const { return _attachments; }
+  /// Absent data attaches nothing.
+  void addAttachmentDataMimeTypeFileName(std::optional<NSData> data, std::string mimeType,
+                                         std::string fileName);
+
+  /// For the host: tells the delegate what became of the mail.
+  void finishWithResultError(MFMailComposeResult result, const Ref<NSError>& error);
+
+ private:
+  Unowned<NSObject> _delegateObject;
+  MFMailComposeViewControllerDelegate* _delegate = nullptr;  // while the object above is there
+  std::vector<std::string> _toRecipients;
+  std::string _subject;
+  std::string _messageBody;
+  bool _messageBodyIsHTML = false;
+  std::vector<Attachment> _attachments;
+};
+
+}  // namespace quaverly

@@ -1,0 +1,115 @@
+#include "Controllers/ContactMeViewController.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Platform/AppleAccount/AADeviceInfo.h"
+#include "Support/TestDevice.h"
+
+namespace quaverly {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class SupportMail : public testing::Test {
+ protected:
+  SupportMail() {
+    _device->machine = "iPhone7,2";
+    _device->uniqueIdentifier = "0011223344556677";
+    _device->systemVersion = "8.4";
+    _device.bundle().write("Addresses.plist",
+                           "<plist version=\"1.0\"><dict><key>SupportMailbox</key>"
+                           "<string>help@maker.example</string></dict></plist>");
+    _device->mounts.mount("/var/lib/dpkg", _packages.path(), MountTable::Access::readOnly);
+  }
+
+  Ref<ContactMeViewController> mail() const {
+    auto made = make<ContactMeViewController>();
+    EXPECT_EQ(made->init(), made.get());
+    return made;
+  }
+
+  test::TestDevice _device;
+  test::TemporaryFolder _packages;
+};
+
+TEST_F(SupportMail, IsFilledInByteForByte) {
+  const auto made = mail();
+  EXPECT_THAT(made->toRecipients(), ElementsAre("help@maker.example"));
+  EXPECT_EQ(made->subject(), "Quaverly Support");
+  EXPECT_TRUE(made->messageBodyIsHTML());
+  EXPECT_EQ(
+      made->messageBody(),
+      "<style>p{margin-top: 0em;margin-bottom: 0.1em;}</style><p>&nbsp;</p><p>&nbsp;</p><p>&nbsp;</p>"
+      "<p>&nbsp;</p><p>&nbsp;</p>"
+      "<p><span style=\"font-family:Arial;font-size:11px;\"><strong>Device:</strong> iPhone 6</span></p>"
+      "<p><span style=\"font-family:Arial;font-size:11px;\"><strong>Udid:</strong> "
+      "0011223344556677</span></p>"
+      "<p><span style=\"font-family:Arial;font-size:11px;\"><strong>iOS Version:</strong> 8.4</span></p>"
+      "<p><span style=\"font-family:Arial;font-size:11px;\"><strong>Quaverly Version:</strong> "
+      "1.4.5</span></p>");
+}
+
+TEST_F(SupportMail, AttachesTheStatusOfThePackages) {
+  _packages.write("status", "Package: a\n");
+  const auto attachments = mail()->attachments();
+  ASSERT_THAT(attachments, SizeIs(1));
+  EXPECT_EQ(attachments[0].data.text(), "Package: a\n");
+  EXPECT_EQ(attachments[0].mimeType, "text/plain");
+  EXPECT_EQ(attachments[0].fileName, "Cydia Status.txt");
+}
+
+TEST_F(SupportMail, WithoutAReadableStatusItIsMadeAllTheSame) {
+  EXPECT_THAT(mail()->attachments(), IsEmpty());
+  _packages.makeFolder("status");
+  EXPECT_THAT(mail()->attachments(), IsEmpty());
+}
+
+TEST_F(SupportMail, WhatIsNotKnownOfTheDeviceIsPrintedAsAbsent) {
+  _device->uniqueIdentifier.clear();
+  EXPECT_THAT(mail()->messageBody(), HasSubstr("<strong>Udid:</strong> (null)</span>"));
+  EXPECT_THAT(mail()->messageBody(), HasSubstr("<strong>iOS Version:</strong> 8.4</span>"));
+}
+
+TEST_F(SupportMail, WithoutTheFrameworkOrItsClassBothValuesAreAbsent) {
+  const auto expectAbsent = [this] {
+    EXPECT_THAT(mail()->messageBody(), HasSubstr("<strong>Udid:</strong> (null)</span>"));
+    EXPECT_THAT(mail()->messageBody(), HasSubstr("<strong>iOS Version:</strong> (null)</span>"));
+  };
+  _device->absentFrameworks.insert(AppleAccountFramework);
+  expectAbsent();
+  _device->absentFrameworks.clear();
+  _device->absentClasses.insert("AADeviceInfo");
+  expectAbsent();
+}
+
+TEST_F(SupportMail, MachinesHaveTheNamesThatPeopleKnow) {
+  const std::vector<std::pair<std::string, std::string>> names = {{"iPhone1,1", "iPhone 1G"},
+                                                                  {"iPhone3,1", "iPhone 4"},
+                                                                  {"iPhone3,2", "iPhone 4"},
+                                                                  {"iPhone3,3", "Verizon iPhone 4"},
+                                                                  {"iPhone7,1", "iPhone 6+"},
+                                                                  {"iPhone7,2", "iPhone 6"},
+                                                                  {"iPod5,1", "iPod Touch 5G"},
+                                                                  {"iPad2,1", "iPad 2 (WiFi)"},
+                                                                  {"iPad2,4", "iPad 2 (WiFi)"},
+                                                                  {"iPad4,3", "iPad Air"},
+                                                                  {"iPad4,4", "iPad Mini 2G (WiFi)"},
+                                                                  {"iPad4,6", "iPad Mini 2G"},
+                                                                  {"i386", "Simulator"},
+                                                                  {"x86_64", "Simulator"},
+                                                                  {"iPhone8,1", "iPhone8,1"},
+                                                                  {"iphone7,1", "iphone7,1"},
+                                                                  {"aarch64", "aarch64"},
+                                                                  {"", ""}};
+  for (const auto& [machine, name] : names) {
+    _device->machine = machine;
+    EXPECT_EQ(ContactMeViewController::platformString(), name);
+  }
+}
+
+}  // namespace
+}  // namespace quaverly
