@@ -51,8 +51,9 @@ std::string ContactMeViewController::platformString() {
   return nameOfMachine(Device::current().machine);
 }
 
-void ContactMeViewController::mailComposeControllerDidFinishWithResultError(MFMailComposeViewController&,
-                                                                            MFMailComposeResult,
-                                                                            const Ref<NSError>&) {}
+void ContactMeViewController::mailComposeControllerDidFinishWithResultError(
+    MFMailComposeViewController& controller, MFMailComposeResult, const Ref<NSError>&) {
+  controller.dismissViewControllerAnimatedCompletion(UIAnimated::Yes);
+}
 
 }  // namespace quaverly

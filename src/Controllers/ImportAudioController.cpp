@@ -1,9 +1,12 @@
 #include "Controllers/ImportAudioController.h"
 
 #include "Other/LocalizedStrings.h"
+#include "Platform/Foundation/NSClass.h"
 
 namespace quaverly {
 namespace {
+
+const NSClassOf<ImportAudioController> browserClass("ImportAudioController", "");
 
 constexpr auto hostBackground = UIColor::colorWithRedGreenBlueAlpha(0.937255, 0.937255, 0.956863, 1);
 constexpr auto barTint = UIColor::colorWithRedGreenBlueAlpha(0.972549, 0.972549, 0.972549, 1);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "Platform/AppleAccount/AADeviceInfo.h"
+#include "Platform/UIKit/UIApplication.h"
 #include "Support/TestDevice.h"
 
 namespace quaverly {
@@ -84,6 +85,22 @@ TEST_F(SupportMail, WithoutTheFrameworkOrItsClassBothValuesAreAbsent) {
   _device->absentFrameworks.clear();
   _device->absentClasses.insert("AADeviceInfo");
   expectAbsent();
+}
+
+TEST_F(SupportMail, EveryOutcomeClosesIt) {
+  const auto window = make<UIWindow>(CGRect{0, 0, 375, 667});
+  const auto root = make<UIViewController>();
+  window->setRootViewController(root);
+  window->makeKeyAndVisible();
+  using enum MFMailComposeResult;
+  for (const auto result : {cancelled, saved, sent, failed}) {
+    const auto shown = mail();
+    root->presentViewControllerAnimatedCompletion(shown, UIAnimated::No);
+    ASSERT_EQ(root->presentedViewController(), Ref<UIViewController>(shown));
+    shown->finishWithResultError(result, nullptr);
+    EXPECT_FALSE(root->presentedViewController());
+  }
+  UIApplication::sharedApplication().setKeyWindow(nullptr);
 }
 
 TEST_F(SupportMail, MachinesHaveTheNamesThatPeopleKnow) {

@@ -24,6 +24,14 @@ TEST(NSString, AByteThatIsNotUTF8CountsAsOneUnit) {
   EXPECT_EQ(NSStringLength("\xED\xA0\x80"), 3u);
 }
 
+TEST(NSString, IsCutAtUTF16UnitsAndNeverWithinACharacter) {
+  EXPECT_EQ(NSStringSubstringToIndex("caf\u00E9s", 4), "caf\u00E9");
+  EXPECT_EQ(NSStringSubstringToIndex("a\U0001F3B5b", 3), "a\U0001F3B5");
+  EXPECT_EQ(NSStringSubstringToIndex("a\U0001F3B5b", 2), "a");
+  EXPECT_EQ(NSStringSubstringToIndex("abc", 0), "");
+  EXPECT_EQ(NSStringSubstringToIndex("abc", 9), "abc");
+}
+
 TEST(NSString, IntValueReadsWhiteSpaceSignAndDigits) {
   EXPECT_EQ(NSStringIntValue("7"), 7);
   EXPECT_EQ(NSStringIntValue("07"), 7);

@@ -5,6 +5,8 @@
 
 #include "Platform/Foundation/NSClass.h"
 #include "Platform/Foundation/NSLog.h"
+#include "Platform/UIKit/UIApplication.h"
+#include "Platform/UIKit/UINavigationController.h"
 #include "Support/TestDevice.h"
 
 namespace quaverly {
@@ -110,6 +112,111 @@ TEST_F(PropertyListRows, WithoutAReadableListThereAreNoRows) {
   EXPECT_THAT(*_pane->loadSpecifiersFromPlistNameTarget("Top", _pane.get()), IsEmpty());
   _pane->setBundle(nullptr);
   EXPECT_THAT(*_pane->loadSpecifiersFromPlistNameTarget("Missing", _pane.get()), IsEmpty());
+}
+
+class TallCell : public PSTableCell {
+ public:
+  std::optional<double> preferredHeightForWidth(double width) override { return width / 3; }
+};
+
+const NSClassOf<TallCell> tallCellClass("TallCell", "");
+
+/// A pane in a window, with one row of each kind.
+class ShownPane : public PropertyListRows {
+ protected:
+  class Pane : public SomePane {
+   public:
+    explicit Pane(std::vector<Ref<PSSpecifier>> rows) {
+      _specifiers = std::make_shared<const std::vector<Ref<PSSpecifier>>>(std::move(rows));
+    }
+    NSPlainValue value(PSSpecifier&) { return NSPlainValue("a value"); }
+    NSPlainValue isOn(PSSpecifier&) { return true; }
+    void turn(const NSPlainValue& value, PSSpecifier&) { turned.push_back(value.boolValue()); }
+    std::vector<bool> turned;
+  };
+
+  ShownPane() {
+    auto made = rows(row({{"cell", "PSGroupCell"}, {"label", "First"}, {"footerText", "Below"}}) +
+                     row({{"cell", "PSLinkCell"}, {"label", "Link"}, {"detail", "SomePane"}}) +
+                     row({{"cell", "PSButtonCell"}, {"label", "Follow"}, {"action", "follow"}}) +
+                     row({{"cell", "PSGroupCell"}}) +
+                     row({{"cell", "PSStaticTextCell"}, {"label", "Tall"}, {"cellClass", "TallCell"}}) +
+                     row({{"cell", "PSStaticTextCell"}, {"label", "No cell"}, {"cellClass", "SomePane"}}));
+    _shown = make<Pane>(std::move(made));
+    _shown->setBundle(_pane->bundle());
+    const auto add = [this](Ref<PSSpecifier> specifier) {
+      auto all = *_shown->specifiers();
+      all.push_back(std::move(specifier));
+      _shown = make<Pane>(std::move(all));
+    };
+    add(PSSpecifier::preferenceSpecifierNamedTargetSetGetCell("Value", _owner.get(), nullptr, &Pane::value,
+                                                              PSCellType::titleValue));
+    add(PSSpecifier::preferenceSpecifierNamedTargetSetGetCell("Switch", _owner.get(), &Pane::turn,
+                                                              &Pane::isOn, PSCellType::switchCell));
+    const auto window = make<UIWindow>(CGRect{0, 0, 375, 667});
+    window->setRootViewController(make<UINavigationController>(_shown));
+    window->makeKeyAndVisible();
+    UIApplication::sharedApplication().layoutIfNeeded();
+    _table = Ref<UITableView>(dynamic_cast<UITableView*>(_shown->view().get()));
+  }
+  ~ShownPane() override { UIApplication::sharedApplication().setKeyWindow(nullptr); }
+
+  Ref<PSTableCell> cell(size_t section, size_t row) {
+    const auto found = _table->cellForRowAtIndexPath({section, row});
+    return Ref<PSTableCell>(dynamic_cast<PSTableCell*>(found.get()));
+  }
+
+  Ref<Pane> _owner = make<Pane>(std::vector<Ref<PSSpecifier>>());
+  Ref<Pane> _shown;
+  Ref<UITableView> _table;
+};
+
+TEST_F(ShownPane, ShowsGroupsAndTheirRows) {
+  ASSERT_EQ(_table->numberOfSections(), 2u);
+  EXPECT_EQ(_table->numberOfRowsInSection(0), 2u);
+  EXPECT_EQ(_table->numberOfRowsInSection(1), 3u);  // without the one whose class makes no cells
+  EXPECT_EQ(_shown->tableViewTitleForHeaderInSection(*_table, 0), "First");
+  EXPECT_EQ(_shown->tableViewTitleForFooterInSection(*_table, 0), "Below");
+  EXPECT_EQ(_shown->tableViewTitleForHeaderInSection(*_table, 1), std::nullopt);
+  EXPECT_EQ(cell(0, 0)->textLabel()->text(), "Link");
+  EXPECT_EQ(cell(0, 0)->accessoryType(), UITableViewCellAccessoryType::DisclosureIndicator);
+  EXPECT_DOUBLE_EQ(cell(1, 0)->frame().height, 125);
+  EXPECT_EQ(cell(1, 1)->detailTextLabel()->text(), "a value");
+  EXPECT_DOUBLE_EQ(cell(0, 1)->frame().height, 44);
+}
+
+TEST_F(ShownPane, ASwitchSetsTheNewValueAndStaysWhereAPersonPutIt) {
+  ASSERT_TRUE(cell(1, 2)->control());
+  EXPECT_TRUE(cell(1, 2)->control()->isOn());
+  cell(1, 2)->control()->toggle();
+  EXPECT_THAT(_owner->turned, ElementsAre(false));
+  _table->reloadData();
+  UIApplication::sharedApplication().layoutIfNeeded();
+  EXPECT_FALSE(cell(1, 2)->control()->isOn());
+}
+
+TEST_F(ShownPane, ARowHasTheBundlesIconInItsLargestForm) {
+  const std::string icons = QUAVERLY_SOURCE_DIR "/resources/QuaverlySettings.bundle/images/";
+  _device.bundle().write("images/some@2x.png", test::contentsOf(icons + "engines_icon@2x.png"));
+  const auto pane = make<Pane>(rows(row({{"cell", "PSStaticTextCell"}, {"icon", "some"}}) +
+                                    row({{"cell", "PSStaticTextCell"}, {"icon", "none"}})));
+  pane->setBundle(_pane->bundle());
+  const auto iconOf = [&](size_t row) {
+    return pane->tableViewCellForRowAtIndexPath(*_table, {0, row})->imageView()->image();
+  };
+  ASSERT_TRUE(iconOf(0));
+  EXPECT_EQ(iconOf(0)->scale(), 2);
+  EXPECT_FALSE(iconOf(1));
+}
+
+TEST_F(ShownPane, ATapFollowsALinkOrPressesAButton) {
+  _table->tapRow({0, 1});
+  EXPECT_EQ(_pane->followed, 1);
+  EXPECT_EQ(_table->indexPathForSelectedRow(), std::nullopt);
+  _table->tapRow({0, 0});
+  const auto* top = _shown->navigationController()->topViewController();
+  EXPECT_TRUE(dynamic_cast<const SomePane*>(top) && top != _shown.get());
+  EXPECT_EQ(top->title(), "Link");
 }
 
 }  // namespace

@@ -51,6 +51,16 @@ size_t NSStringLength(std::string_view text) {
   return units;
 }
 
+std::string NSStringSubstringToIndex(std::string_view text, size_t length) {
+  size_t units = 0;
+  size_t end = 0;
+  forEachCharacter(text, [&](UChar32 character, std::string_view bytes) {
+    units += character < 0 ? bytes.size() : character > 0xFFFF ? 2 : 1;
+    if (units <= length) end += bytes.size();
+  });
+  return std::string(text.substr(0, end));
+}
+
 int32_t NSStringIntValue(std::string_view text) {
   const auto number = numberIn(text);
   int32_t value = 0;

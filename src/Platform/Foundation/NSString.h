@@ -12,6 +12,9 @@ namespace quaverly {
 /// as one.
 size_t NSStringLength(std::string_view text);
 
+/// The first `length` UTF-16 units; without the last one when that would cut a character in two.
+std::string NSStringSubstringToIndex(std::string_view text, size_t length);
+
 /// Leading white space, a sign, digits up to the first other character; no digits give 0; saturates at 32
 /// bits.
 int32_t NSStringIntValue(std::string_view text);

@@ -35,9 +35,9 @@ void MFMailComposeViewController::addAttachmentDataMimeTypeFileName(std::optiona
 
 void MFMailComposeViewController::finishWithResultError(MFMailComposeResult result,
                                                         const Ref<NSError>& error) {
-  const Ref<MFMailComposeViewController> self(this);
-  const Ref<NSObject> delegate(_delegateObject.get());
-  if (delegate) _delegate->mailComposeControllerDidFinishWithResultError(*this, result, error);
+  const Ref<MFMailComposeViewController> self(this);  // the delegate may let go of it
+  if (auto* delegate = _delegate.get())
+    delegate->mailComposeControllerDidFinishWithResultError(*this, result, error);
 }
 
 }  // namespace quaverly

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <concepts>
 #include <optional>
 #include <string>
 #include <vector>
@@ -8,6 +7,7 @@
 #include "Platform/Foundation/NSBundle.h"
 #include "Platform/Foundation/NSData.h"
 #include "Platform/Foundation/NSError.h"
+#include "Platform/UIKit/UIViewController.h"
 
 namespace quaverly {
 
@@ -33,7 +33,7 @@ class MFMailService {
 };
 
 /// The screen on which a person finishes a mail and sends it. Main thread only.
-class MFMailComposeViewController : public NSObject {
+class MFMailComposeViewController : public UIViewController {
  public:
   struct Attachment {
     NSData data;
@@ -49,14 +49,11 @@ class MFMailComposeViewController : public NSObject {
   /// Null when the screen cannot be made; the caller then lets it go.
   virtual MFMailComposeViewController* initWithNibNameBundle(const std::optional<std::string>& nibName,
                                                              const Ref<NSBundle>& bundle);
-  MFMailComposeViewController* init() { return initWithNibNameBundle(std::nullopt, nullptr); }
+  MFMailComposeViewController* init() override { return initWithNibNameBundle(std::nullopt, nullptr); }
 
   /// The delegate is not owned.
   template <class Delegate>
-  requires std::derived_from<Delegate, NSObject> &&
-      std::derived_from<Delegate, MFMailComposeViewControllerDelegate>
   void setMailComposeDelegate(Delegate* delegate) {
-    _delegateObject = Unowned<NSObject>(delegate);
     _delegate = delegate;
   }
 
@@ -76,8 +73,7 @@ class MFMailComposeViewController : public NSObject {
   void finishWithResultError(MFMailComposeResult result, const Ref<NSError>& error);
 
  private:
-  Unowned<NSObject> _delegateObject;
-  MFMailComposeViewControllerDelegate* _delegate = nullptr;  // while the object above is there
+  Unowned<MFMailComposeViewControllerDelegate> _delegate;
   std::vector<std::string> _toRecipients;
   std::string _subject;
   std::string _messageBody;

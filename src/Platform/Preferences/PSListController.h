@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -8,12 +9,14 @@
 
 #include "Platform/Foundation/NSBundle.h"
 #include "Platform/Preferences/PSSpecifier.h"
+#include "Platform/Preferences/PSTableCell.h"
 #include "Platform/Preferences/PSViewController.h"
+#include "Platform/UIKit/UITableView.h"
 
 namespace quaverly {
 
 /// A pane: a list of rows in groups, as specifiers describe them. Main thread only.
-class PSListController : public PSViewController {
+class PSListController : public PSViewController, public UITableViewDataSource, public UITableViewDelegate {
  public:
   /// Groups, each followed by its rows. Shared, and never changed once it is made.
   using Specifiers = std::shared_ptr<const std::vector<Ref<PSSpecifier>>>;
@@ -34,11 +37,33 @@ class PSListController : public PSViewController {
   /// the log says so. Without a readable list there are no rows.
   Specifiers loadSpecifiersFromPlistNameTarget(std::string_view name, PSListController* target) const;
 
+  void loadView() override;
+  size_t numberOfSectionsInTableView(UITableView& table) override;
+  size_t tableViewNumberOfRowsInSection(UITableView& table, size_t section) override;
+  Ref<UITableViewCell> tableViewCellForRowAtIndexPath(UITableView& table, NSIndexPath path) override;
+  std::optional<std::string> tableViewTitleForHeaderInSection(UITableView& table, size_t section) override;
+  std::optional<std::string> tableViewTitleForFooterInSection(UITableView& table, size_t section) override;
+  std::optional<double> tableViewHeightForRowAtIndexPath(UITableView& table, NSIndexPath path) override;
+  void tableViewDidSelectRowAtIndexPath(UITableView& table, NSIndexPath path) override;
+
  protected:
   Specifiers _specifiers;
 
  private:
+  struct Section {
+    Ref<PSSpecifier> group;  // null for rows before the first group
+    std::vector<Ref<PSSpecifier>> rows;
+  };
+
+  const std::vector<Section>& sections();
+  const Ref<PSSpecifier>& specifierAt(NSIndexPath path) { return sections()[path.section].rows[path.row]; }
+  const Ref<PSTableCell>& cellOf(const Ref<PSSpecifier>& specifier);
+  void openLink(const PSSpecifier& link);
+
   Ref<NSBundle> _bundle;
+  std::optional<std::vector<Section>> _sections;
+  // A row keeps its cell, which knows what a person switched; its target may not.
+  std::map<const PSSpecifier*, Ref<PSTableCell>> _cells;
 };
 
 }  // namespace quaverly

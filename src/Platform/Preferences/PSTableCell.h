@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "Platform/Preferences/PSSpecifier.h"
+#include "Platform/UIKit/UIButton.h"
+#include "Platform/UIKit/UITableViewCell.h"
+
+namespace quaverly {
+
+/// A row of a pane, as its specifier describes it. Main thread only.
+class PSTableCell : public UITableViewCell {
+ public:
+  /// Sets the cell up, once, before anything else is asked of it: the one that a pane calls. Null when it
+  /// cannot be.
+  virtual PSTableCell* initWithSpecifier(Ref<PSSpecifier> specifier);
+  PSTableCell* initWithStyleReuseIdentifierSpecifier(UITableViewCellStyle style,
+                                                     std::optional<std::string> reuseIdentifier,
+                                                     Ref<PSSpecifier> specifier);
+
+  /// Nothing for a row that is as high as any.
+  virtual std::optional<double> preferredHeightForWidth(double) { return std::nullopt; }
+
+  const Ref<PSSpecifier>& specifier() const { return _specifier; }
+  /// The switch of a switch row, else null.
+  const Ref<UISwitch>& control() const { return _control; }
+
+ private:
+  void showValue();
+  void addSwitch();
+  void switchChanged();
+
+  Ref<PSSpecifier> _specifier;
+  Ref<UISwitch> _control;
+};
+
+}  // namespace quaverly
