@@ -61,6 +61,17 @@ test('A window that changes its size changes the device and loads nothing again'
   assert.equal(await page.evaluate(() => globalThis.isStillHere), true);
 });
 
+test('A phone that is held on its side says so', async () => {
+  await page.context().close();
+  page = await openWindow(browser, {width: 667, height: 375}, {isMobile: true, hasTouch: true});
+  host.screen = [667, 375];
+  await host.show(page, {1: root([], {place: [0, 0, 667, 375]})});
+  const [{width, height, orientation}] = host.received;
+  assert.deepEqual([width, height], [667, 375]);
+  assert.ok(orientation === 3 || orientation === 4, String(orientation));
+  assert.deepEqual(await node(1).boundingBox(), {x: 0, y: 0, width: 667, height: 375});
+});
+
 test('A device that another page made larger is shown whole', async () => {
   host.screen = [667, 375];
   await host.show(page, {1: root([], {place: [0, 0, 667, 375]})});

@@ -65,6 +65,7 @@ for (const [name, viewport] of [['phone', phoneSize], ['desk', desk]]) {
 
     await phone.button('Import').click();
     await phone.screen.getByRole('status').getByText('Song imported').waitFor();
+    await phone.field('Title').waitFor({state: 'hidden'});
     await keepShot(phone.page, `${name}-6-imported`);
     const [song] = await filed(phone, 1);
     assert.equal(song, 'The Quaver House Band/First Steps/01 Lantern Walk at Night.mp3');
@@ -169,6 +170,7 @@ test('Typing goes on while the connection is gone, and nothing of it is lost', a
     socket = {toPage, toHost: toPage.connectToServer()};
   });
   await page.goto(program.address);
+  await phone.goToBrowser();
   await phone.openSong('lantern.mp3', 'Lantern Walk');
   await phone.field('Title').press('End');
   await page.keyboard.type(' at');
@@ -251,6 +253,7 @@ test('A picked file that is no picture changes nothing', async () => {
   await phone.button('Choose cover').click();
   await phone.page.locator('input[type=file]').setInputFiles({name: 'song.mp3', mimeType: 'audio/mpeg', buffer: fs.readFileSync(lantern)});
   await phone.page.getByRole('dialog').getByText('“song.mp3” is no picture').waitFor();
+  await phone.still();
   await keepShot(phone.page, 'no-picture');
   await phone.page.getByRole('dialog').getByRole('button', {name: 'Cancel'}).click();
   await phone.page.getByRole('dialog').waitFor({state: 'detached'});

@@ -55,7 +55,7 @@ test('A tap changes the page within 50 ms', async t => {
 test('Ten thousand files scroll without a blank second', async t => {
   for (let each = 0; each < 10_000; each += 1) fs.writeFileSync(path.join(program.media, `Song ${String(each).padStart(5, '0')}.mp3`), '');
   await open();
-  await phone.row('Song 00000.mp3').waitFor();
+  await phone.screen.locator('[aria-posinset="1"][aria-setsize="10000"]').waitFor();
   const blank = await phone.screen.locator('.scroller').first().evaluate(async scroller => {
     const frame = () => new Promise(requestAnimationFrame);
     const {left, top, height} = scroller.getBoundingClientRect();
@@ -72,5 +72,5 @@ test('Ten thousand files scroll without a blank second', async t => {
   });
   t.diagnostic(`longest blank: ${blank.toFixed(0)} ms`);
   assert.ok(blank < 200);
-  await phone.row('Song 09999.mp3').waitFor();
+  await phone.screen.locator('[aria-posinset="10000"]').waitFor();
 });

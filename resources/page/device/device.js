@@ -97,7 +97,15 @@ export class Device {
     if (root.element.parentNode !== this.box) this.box.replaceChildren(root.element);
     for (const view of this.views.values()) view.settle();
     this.focus.settle(root, this.childrenOf(root));
+    this.colorTime();
     if (this.arrived) this.announce(this.arrived.element.textContent);
     this.arrived = null;
+  }
+
+  /** The time is light above what is dark: a bar without a colour of its own, or the picker. */
+  colorTime() {
+    const top = this.focus.top?.element;
+    const isDark = top?.matches('.picker') || Boolean(top?.querySelector('.bar.clear'));
+    this.box.classList.toggle('dark-above', isDark);
   }
 }

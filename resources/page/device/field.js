@@ -4,6 +4,7 @@ import {showFont} from './text.js';
 import {View} from './view.js';
 
 const keyboards = {text: 'text', number: 'numeric'};
+const longest = 10_000; // more would not fit into a message
 
 /** Puts other words into a field and leaves the caret where it was. */
 function replaceValue(input, text) {
@@ -16,7 +17,7 @@ function replaceValue(input, text) {
 export class Field extends View {
   constructor(device, id) {
     super(device, id, 'input');
-    Object.assign(this.element, {type: 'text', autocomplete: 'off', spellcheck: false});
+    Object.assign(this.element, {type: 'text', autocomplete: 'off', spellcheck: false, maxLength: longest});
     this.element.setAttribute('autocorrect', 'off');
     this.element.classList.add('field');
     this.element.addEventListener('input', () => device.edits.typed(id, this.element.value));

@@ -13,6 +13,8 @@ export class Bar extends View {
   show(node) {
     super.show(node);
     this.element.style.setProperty('--line', node.line ?? 'transparent');
+    this.element.style.setProperty('--above', `${node.place[1]}px`);
+    this.element.classList.toggle('clear', !node.background);
   }
 }
 

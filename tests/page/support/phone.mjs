@@ -7,8 +7,16 @@ export class Phone {
     const page = await openWindow(browser, viewport, more);
     await page.goto(program.address);
     const phone = new Phone(page);
-    await phone.waitForFolder('/var/mobile/Media');
+    await phone.goToBrowser();
     return phone;
+  }
+
+  /** From the first pane, where that is what is shown first. */
+  async goToBrowser() {
+    const link = this.row('Import audio');
+    await link.or(this.screen.getByText('/var/mobile/Media', {exact: true})).first().waitFor();
+    if (await link.isVisible()) await link.click();
+    await this.waitForFolder('/var/mobile/Media');
   }
 
   constructor(page) {
