@@ -16,6 +16,24 @@ export async function redAndBlue(page, width, height, type = 'image/png') {
   return Buffer.from(await page.evaluate(halves, [width, height, type]));
 }
 
+/** A square JPEG file that compresses about as badly as a photograph does. */
+export async function noisyPhotograph(page, side) {
+  return Buffer.from(await page.evaluate(async length => {
+    const canvas = new OffscreenCanvas(length, length);
+    const drawing = canvas.getContext('2d');
+    const picture = drawing.createImageData(length, length);
+    for (let at = 0; at < picture.data.length; at += 4) {
+      const value = 128 + 90 * Math.sin(at / 90_000) + 24 * Math.random();
+      picture.data.set([value, 255 - value, (at / 4) % 200, 255], at);
+    }
+    drawing.putImageData(picture, 0, 0);
+    const reader = new FileReader();
+    reader.readAsDataURL(await canvas.convertToBlob({type: 'image/jpeg', quality: 0.85}));
+    await new Promise(done => (reader.onload = done));
+    return reader.result.split(',')[1];
+  }, side), 'base64');
+}
+
 /** The same JPEG file, saying that it was taken with the camera on its side: its left is the top. */
 export function onItsSide(jpeg) {
   const tiff = Buffer.from('49492a0008000000' + '0100' + '1201' + '0300' + '01000000' + '06000000' + '00000000', 'hex');

@@ -1,5 +1,5 @@
 // A real `quaverly serve` on folders of a test's own.
-import {execFile, spawn} from 'node:child_process';
+import {execFile, execFileSync, spawn} from 'node:child_process';
 import {once} from 'node:events';
 import fs from 'node:fs';
 import os from 'node:os';
@@ -25,6 +25,14 @@ print(json.dumps({"title": text("TIT2"), "artist": text("TPE1"), "album": text("
                   "year": text("TDRC"), "covers": [list(each.data) for each in covers]}))
 `;
 
+const coverWriter = `
+import mutagen.id3, sys
+tags = mutagen.id3.ID3(sys.argv[1])
+tags.delall("APIC")
+tags.add(mutagen.id3.APIC(mime="image/jpeg", type=3, data=sys.stdin.buffer.read()))
+tags.save()
+`;
+
 /** A home with the folders that quaverly uses, and quaverly serving it. */
 export class Program {
   constructor() {
@@ -40,6 +48,11 @@ export class Program {
     const target = path.join(this.media, name);
     fs.mkdirSync(path.dirname(target), {recursive: true});
     fs.copyFileSync(source, target);
+  }
+
+  /** Gives a song among the downloads another cover. */
+  setCover(name, jpeg) {
+    execFileSync('/usr/bin/python3', ['-c', coverWriter, path.join(this.media, name)], {input: jpeg});
   }
 
   async serve() {
