@@ -45,19 +45,21 @@ export class Connection {
   }
 
   opened() {
-    this.pause = shortestPause;
     this.send({type: 'hello', client, ...this.introduction()});
   }
 
   received(text) {
     clearTimeout(this.complaint);
     this.complaint = null;
+    this.isGone = false;
+    this.pause = shortestPause;
     this.onState('open');
     this.onMessage(JSON.parse(text));
   }
 
   closed() {
-    this.complaint ??= setTimeout(() => this.complain(), quiet);
+    if (this.isGone) this.complain();
+    else this.complaint ??= setTimeout(() => this.complain(), quiet);
     this.retrying = setTimeout(() => {
       this.retrying = null;
       this.open();
@@ -67,8 +69,8 @@ export class Connection {
 
   /** A socket does not tell a server that is gone from one that refuses; a request does. */
   async complain() {
-    this.onState('lost');
+    this.isGone = true;
     const answer = await fetch('/', {method: 'HEAD', cache: 'no-store'}).catch(() => null);
-    if (answer?.status === 403 && this.complaint) this.onState('refused');
+    if (this.isGone) this.onState(answer?.status === 403 ? 'refused' : 'lost');
   }
 }

@@ -51,6 +51,7 @@ test('When quaverly has ended the page says so', async () => {
 
 test('A page of an earlier start is told to open the new address', async () => {
   await program.stop();
+  await page.getByRole('status').getByText('The connection is lost').waitFor();
   await program.serve();
   await page.getByRole('status').getByText('Open the address that it prints').waitFor();
   page.problems = page.problems.filter(problem => !/ERR_CONNECTION_REFUSED|403/.test(problem));

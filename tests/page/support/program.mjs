@@ -40,7 +40,8 @@ export class Program {
     this.media = path.join(this.home, 'Downloads');
     this.library = path.join(this.home, 'Music');
     fs.mkdirSync(this.media);
-    this.environment = {PATH: process.env.PATH, HOME: this.home, LANG: 'C.UTF-8', TZ: 'UTC'};
+    const passedOn = Object.entries(process.env).filter(([name]) => name === 'PATH' || name.endsWith('SAN_OPTIONS'));
+    this.environment = {...Object.fromEntries(passedOn), HOME: this.home, LANG: 'C.UTF-8', TZ: 'UTC'};
   }
 
   /** Puts a copy of a file among the downloads. */
