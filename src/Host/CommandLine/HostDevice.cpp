@@ -21,8 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 using library::Failure;
 
-constexpr const char* bundlePath = "/Library/PreferenceBundles/QuaverlySettings.bundle";
-
 fs::path makeTemporaryFolder() {
   std::string pattern = (fs::temp_directory_path() / "quaverly-XXXXXX").string();
   if (!mkdtemp(pattern.data())) {

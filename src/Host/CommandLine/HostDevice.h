@@ -32,6 +32,7 @@ class HostDevice {
   void providePackageStatus() const;
 
   static constexpr const char* mediaPath = "/var/mobile/Media";
+  static constexpr const char* bundlePath = "/Library/PreferenceBundles/QuaverlySettings.bundle";
 
   const std::filesystem::path& media() const { return _media; }
   const library::LibrarySettings& librarySettings() const { return _settings; }

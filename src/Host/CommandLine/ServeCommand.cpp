@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "Controllers/ImportAudioController.h"
+#include "Controllers/QuaverlySettingsController.h"
 #include "Host/CommandLine/Commands.h"
 #include "Host/CommandLine/ServeSession.h"
 #include "Host/CommandLine/ServiceRegistration.h"
@@ -9,6 +9,7 @@
 #include "Host/Instances/ServingInstance.h"
 #include "Host/Library/DataLock.h"
 #include "Host/Screens/Screens.h"
+#include "Platform/UIKit/UINavigationController.h"
 
 namespace quaverly::commandline {
 namespace {
@@ -32,11 +33,19 @@ ExitStatus servedAlready(const Console& console, const std::string& dataFolder) 
                                ") serves this data folder already. Its page is at " + page->address});
 }
 
-/// The device's first screen, shown to the pages.
+/// The bundle's first pane, as the Settings application loads it, shown to the pages.
 std::unique_ptr<page::PageDelegate> makeScreens(page::PageRoutes& routes) {
-  const auto browser = make<ImportAudioController>();
-  browser->init();
-  return std::make_unique<screens::Screens>(routes, make<UINavigationController>(browser));
+  const auto pane = make<QuaverlySettingsController>();
+  pane->setBundle(NSBundle::bundleWithPath(HostDevice::bundlePath));
+  pane->init();
+  return std::make_unique<screens::Screens>(routes, make<UINavigationController>(pane));
+}
+
+/// What the panes read and write. Without engines of the user's own those of the program are shown, and none
+/// of them can be switched.
+void provideFiles(const Console& console, const HostDevice& device) {
+  if (const auto problem = device.provideEngines()) console.problem("", problem->reason);
+  device.providePackageStatus();
 }
 
 void announce(const Console& console, const std::string& address) {
@@ -59,6 +68,7 @@ ExitStatus runServe(Console& console, const CommonOptions& common, const ServeOp
   if (!turn) return cannotServe(console, turn.failure());
   if (!*turn) return servedAlready(console, common.data);
 
+  provideFiles(console, device);
   const ServiceRegistration registration(**service);
   ServeSession session(device, **service, options, makeScreens);
   if (const auto failure = session.start()) return cannotServe(console, *failure);

@@ -55,6 +55,8 @@ class Loading {
     if (areClassesKnown(*specifier) && addAction(*specifier)) _specifiers.push_back(std::move(specifier));
   }
 
+  std::string titleOf(const NSPlainValue& title) const { return _labels.localized(title).stringValue(); }
+
   std::vector<Ref<PSSpecifier>> take() { return std::move(_specifiers); }
 
  private:
@@ -97,10 +99,15 @@ class Loading {
   std::vector<Ref<PSSpecifier>> _specifiers;
 };
 
+const NSPlainValue& entryOf(const std::optional<NSPlainValue>& list, std::string_view key) {
+  static const NSPlainValue none;
+  const auto* dictionary = list ? list->dictionary() : nullptr;
+  return dictionary ? dictionary->objectForKey(key) : none;
+}
+
 const NSArray& itemsOf(const std::optional<NSPlainValue>& list) {
   static const NSArray none;
-  const auto* dictionary = list ? list->dictionary() : nullptr;
-  const auto* items = dictionary ? dictionary->objectForKey("items").array() : nullptr;
+  const auto* items = entryOf(list, "items").array();
   return items ? *items : none;
 }
 
@@ -110,13 +117,15 @@ std::optional<UITargetAction> PSListController::actionNamed(std::string_view) {
   return std::nullopt;
 }
 
-PSListController::Specifiers PSListController::loadSpecifiersFromPlistNameTarget(
-    std::string_view name, PSListController* target) const {
+PSListController::Specifiers PSListController::loadSpecifiersFromPlistNameTarget(std::string_view name,
+                                                                                 PSListController* target) {
   std::vector<Ref<PSSpecifier>> specifiers;
   if (_bundle) {
     const std::string path = _bundle->bundlePath() + "/" + std::string(name) + ".plist";
     const auto list = NSPropertyListSerialization::propertyListWithContentsOfFile(path);
     Loading loading(name, *_bundle, target);
+    const auto title = loading.titleOf(entryOf(list, "title"));
+    if (!title.empty() && !this->title()) setTitle(title);
     for (const auto& item : itemsOf(list)) loading.add(item);
     specifiers = loading.take();
   }

@@ -33,9 +33,10 @@ class PSListController : public PSViewController, public UITableViewDataSource, 
   virtual std::optional<UITargetAction> actionNamed(std::string_view name);
 
   /// The rows of the bundle's property list of that name, in the user's language; buttons call the target.
-  /// Rows of unknown kinds, and those that name classes or operations that are not there, are left out, and
-  /// the log says so. Without a readable list there are no rows.
-  Specifiers loadSpecifiersFromPlistNameTarget(std::string_view name, PSListController* target) const;
+  /// The list's title becomes the pane's when it has none. Rows of unknown kinds, and those that name classes
+  /// or operations that are not there, are left out, and the log says so. Without a readable list there are
+  /// no rows.
+  Specifiers loadSpecifiersFromPlistNameTarget(std::string_view name, PSListController* target);
 
   void loadView() override;
   size_t numberOfSectionsInTableView(UITableView& table) override;
