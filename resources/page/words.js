@@ -6,6 +6,7 @@ const words = {
   'turn.purpose': 'Turn the device',
   'connection.lost': 'The connection is lost. Trying again…',
   'connection.refused': 'Quaverly has ended or was started anew. Open the address that it prints.',
+  'back': 'Back',
   'loading': 'Loading',
 
   'picker': 'Picture',

@@ -129,14 +129,16 @@ test('Text is drawn in the fonts that the host serves', async () => {
 
 test('Buttons are named by their text or by their purpose, and say when they are tapped', async () => {
   await host.show(page, {
-    1: root([2, 3, 4]),
+    1: root([2, 3, 4, 5]),
     2: button('Import', [0, 0, 80, 44]),
+    5: button('', [100, 0, 20, 44], {back: true}),
     3: button('', [0, 50, 40, 40], {name: 'Choose picture', image: '/images/camera_icon@3x.png', imageSize: [24, 24], corner: 20}),
     4: button('Off', [0, 100, 80, 44], {disabled: true}),
   });
   await page.getByRole('button', {name: 'Import'}).click();
   await page.getByRole('button', {name: 'Choose picture'}).click();
   assert.deepEqual((await heard('tap', 2)).map(tap => tap.node), [2, 3]);
+  assert.equal(await page.getByRole('button', {name: 'Back'}).count(), 1);
   assert.ok(await page.getByRole('button', {name: 'Off'}).isDisabled());
   assert.deepEqual(await node(3).locator('img').evaluate(image => [image.width, image.height]), [24, 24]);
 });

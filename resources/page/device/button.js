@@ -1,6 +1,7 @@
 // What a person taps or switches.
 
 import {part} from '../elements.js';
+import {say} from '../words.js';
 import {Picture} from './image.js';
 import {showFont} from './text.js';
 import {View} from './view.js';
@@ -25,8 +26,8 @@ export class Button extends View {
     this.picture.show({mode: 'center', ...node});
   }
 
-  showMeaning({name, text}) {
-    this.setAttribute('aria-label', text ? null : name);
+  showMeaning({name, text, back}) {
+    this.setAttribute('aria-label', text ? null : name ?? (back ? say('back') : null));
   }
 }
 
