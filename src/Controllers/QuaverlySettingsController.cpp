@@ -33,9 +33,11 @@ void openPage(const std::string& address) {
 
 QuaverlySettingsController* QuaverlySettingsController::init() {
   if (!PSListController::init()) return nullptr;
-  navigationItem()->setRightBarButtonItem(make<UIBarButtonItem>(
-      CachesCore::cachedImageWithContentsOfFileName("heart_icon"), UIBarButtonItemStyle::Plain,
-      UITargetAction(this, &QuaverlySettingsController::shareTwitter)));
+  const auto heart = make<UIBarButtonItem>(CachesCore::cachedImageWithContentsOfFileName("heart_icon"),
+                                           UIBarButtonItemStyle::Plain,
+                                           UITargetAction(this, &QuaverlySettingsController::shareTwitter));
+  heart->setAccessibilityLabel("Share");
+  navigationItem()->setRightBarButtonItem(heart);
   navigationItem()->setTitleView(
       make<UIImageView>(CachesCore::cachedImageWithContentsOfFileName("tolmarin_icon")));
   return this;

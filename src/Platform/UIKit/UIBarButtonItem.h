@@ -33,6 +33,10 @@ class UIBarButtonItem : public NSObject {
   UIBarButtonItemStyle style() const { return _style; }
   const std::optional<UIBarButtonSystemItem>& systemItem() const { return _systemItem; }
 
+  /// What is read out in place of what the button shows.
+  const std::optional<std::string>& accessibilityLabel() const { return _accessibilityLabel; }
+  void setAccessibilityLabel(std::optional<std::string> label) { _accessibilityLabel = std::move(label); }
+
   /// The bar that shows it, which hears of changes. Not owned.
   void setBar(UIView* bar) { _bar = bar; }
 
@@ -44,6 +48,7 @@ class UIBarButtonItem : public NSObject {
   Ref<UIImage> _image;
   UIBarButtonItemStyle _style = UIBarButtonItemStyle::Plain;
   std::optional<UIBarButtonSystemItem> _systemItem;
+  std::optional<std::string> _accessibilityLabel;
   Unowned<UIView> _bar;
   UITargetAction _action;
 };

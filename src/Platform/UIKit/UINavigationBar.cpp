@@ -23,6 +23,7 @@ void show(UIButton& button, const Ref<UIBarButtonItem>& item, UIView& bar) {
   button.setHidden(!saysSomething);
   button.setTitle(item ? item->title() : std::nullopt);
   button.setImage(item ? item->image() : nullptr);
+  button.setAccessibilityLabel(item ? item->accessibilityLabel() : std::nullopt);
 }
 
 }  // namespace
