@@ -9,6 +9,9 @@ export function showFont(style, {font, size}) {
   style.fontSize = size ? `${size}px` : '';
 }
 
+// A point more on the side where it does not show: what fits exactly shall not end in dots.
+const slack = {left: '0 -1px 0 0', center: '0 -0.5px', right: '0 0 0 -1px'};
+
 export class Label extends View {
   constructor(device, id) {
     super(device, id);
@@ -22,6 +25,7 @@ export class Label extends View {
     const {style} = this.element;
     showFont(style, node);
     style.textAlign = node.align ?? '';
+    this.words.style.margin = slack[node.align ?? 'left'];
     style.setProperty('--color', node.color ?? 'black');
     style.setProperty('--pressed', node.pressed ?? node.color ?? 'black');
     this.showLines(node.lines ?? 1);

@@ -17,6 +17,7 @@ export class Phone {
     await link.or(this.screen.getByText('/var/mobile/Media', {exact: true})).first().waitFor();
     if (await link.isVisible()) await link.click();
     await this.waitForFolder('/var/mobile/Media');
+    await this.still();
   }
 
   constructor(page) {
