@@ -32,9 +32,10 @@ bool isNumber(const std::string& text, int32_t largest) {
   return std::ranges::all_of(text, isDigit) && NSStringIntValue(text) <= largest;
 }
 
-void replace(const std::optional<std::string>& edit, iTunesSongItem& song,
-             void (iTunesSongItem::*set)(iTunesSongItem::Text)) {
-  if (edit) (song.*set)(*edit);
+/// What the editor's field would hold: the edit, or the song's own text; a field has no absent text.
+void fill(iTunesSongItem& song, const iTunesSongItem::Text& (iTunesSongItem::*get)() const,
+          void (iTunesSongItem::*set)(iTunesSongItem::Text), const std::optional<std::string>& edit = {}) {
+  (song.*set)(edit ? *edit : (song.*get)().value_or(""));
 }
 
 Ref<QVImporter> importerFor(const iTunesSongItem& song, const std::string& devicePath) {
@@ -84,11 +85,13 @@ MaybeFailure SongHandOver::handOver(const std::string& file) {
 }
 
 void SongHandOver::edit(iTunesSongItem& song) const {
-  replace(_options.title, song, &iTunesSongItem::setTitle);
-  replace(_options.artist, song, &iTunesSongItem::setArtist);
-  replace(_options.album, song, &iTunesSongItem::setAlbum);
-  replace(_options.year, song, &iTunesSongItem::setReleaseYear);
-  replace(_options.track, song, &iTunesSongItem::setIndexInCollection);
+  using Song = iTunesSongItem;
+  fill(song, &Song::title, &Song::setTitle, _options.title);
+  fill(song, &Song::artist, &Song::setArtist, _options.artist);
+  fill(song, &Song::album, &Song::setAlbum, _options.album);
+  fill(song, &Song::genre, &Song::setGenre);
+  fill(song, &Song::releaseYear, &Song::setReleaseYear, _options.year);
+  fill(song, &Song::indexInCollection, &Song::setIndexInCollection, _options.track);
   if (_artwork) stageArtwork(song);
 }
 
