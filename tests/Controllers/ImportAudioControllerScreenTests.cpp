@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <filesystem>
 #include <set>
 
@@ -233,6 +235,25 @@ TEST_F(BrowserScreen, ASongIsHandedToTheEditorWithItsEscapedPath) {
   EXPECT_EQ(editor().localfileRequest()->URL().absoluteString(), "/var/mobile/Media/my%20song.mp3");
   EXPECT_EQ(editor().currentSongItem(), iTunesSongItem());
   EXPECT_FALSE(browser->tableView()->indexPathForSelectedRow());
+}
+
+/// From now on this process can write only tiny files, as on a disk that is full.
+void fillDisk() {
+  signal(SIGXFSZ, SIG_IGN);
+  const rlimit little{200, 200};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &little), 0);
+}
+
+TEST_F(BrowserScreen, ADiskThatFillsWhileACoverIsStagedLeavesNothingAndTheEditorOpens) {
+  device.media().write("song.mp3", test::contentsOf(QUAVERLY_SOURCE_DIR "/samples/lantern.mp3"));
+  settle();
+  fillDisk();
+  tapRow("song.mp3");
+  settle();
+  EXPECT_EQ(host->presentedViewController().get(), browser->importNavController().get());
+  EXPECT_EQ(editor().currentSongItem().title(), "Lantern Walk");
+  EXPECT_TRUE(std::filesystem::is_empty(device.temporary() / "tmp"));
+  EXPECT_FALSE(editor().imgView()->image());
 }
 
 TEST_F(BrowserScreen, EachLoadedViewListsTheStartFolderAfresh) {

@@ -25,9 +25,9 @@ bool leadsTo(const std::string& devicePath, const std::string& hostPath) {
 /// Makes sure that the record's device path leads to its source, mounting the file where it does not: mounts
 /// change from one run to the next. The path leads there while the result lives.
 Result<std::shared_ptr<const OutsideFile>> madeReachable(DownloadRecord& record, OutsideFiles& outsideFiles) {
-  if (record.sourcePath.empty() || leadsTo(record.devicePath, record.sourcePath)) {
-    return std::shared_ptr<const OutsideFile>();
-  }
+  // Another download's mount may lead there; it stays for as long as either needs it.
+  auto mounted = outsideFiles.mounted(record.devicePath);
+  if (record.sourcePath.empty() || leadsTo(record.devicePath, record.sourcePath)) return mounted;
   auto file = outsideFiles.mount(record.sourcePath);
   if (!file) return file;
   record.devicePath = (*file)->devicePath();
