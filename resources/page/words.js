@@ -1,5 +1,9 @@
 // The page's own words, by key. What stands on the device's screens is the host's.
 
+import {language, translation} from './translation.js';
+
+document.documentElement.lang = language;
+
 const words = {
   'device': 'Device',
   'turn': 'Turn',
@@ -51,7 +55,7 @@ const words = {
 
 /** The words of a key, with values in the places that are named in braces. */
 export function say(key, values = {}) {
-  return words[key].replace(/\{(\w+)\}/g, (place, name) => values[name] ?? place);
+  return (translation[key] ?? words[key]).replace(/\{(\w+)\}/g, (place, name) => values[name] ?? place);
 }
 
 const units = ['byte', 'kilobyte', 'megabyte', 'gigabyte'];

@@ -73,6 +73,8 @@ TEST(PreferredLanguages, NameTheTableThatTheBundleHas) {
   EXPECT_THAT(languages({{"LANG", "pt_BR.UTF-8"}}), ElementsAre("pt-BR"));
   EXPECT_THAT(languages({{"LANG", "sv_SE"}, {"LANGUAGE", "de_CH:pt_BR"}}),
               ElementsAre("de", "pt-BR", "sv-SE"));
+  EXPECT_THAT(languages({{"LANG", "de_DE"}, {"LANGUAGE", "sv:pt_BR"}}),
+              ElementsAre("pt-BR", "de", "sv"));  // those that there are words in come first
   EXPECT_THAT(languages({{"LANG", "C"}, {"LANGUAGE", "de"}}), ElementsAre("en"));
   EXPECT_THAT(languages({}), ElementsAre("en"));
 }
@@ -109,8 +111,8 @@ TEST(FontFiles, AreThoseThatAreInstalled) {
   EXPECT_EQ(fontFiles(fonts.path()).at("Arial"), newer);
 }
 
-TEST(FontFiles, OfThisMachineAreAllThree) {
-  EXPECT_EQ(fontFiles().size(), 3U);
+TEST(FontFiles, OfThisMachineAreAllFour) {
+  EXPECT_EQ(fontFiles().size(), 4U);
 }
 
 TEST(SystemVersion, IsThatOfTheRelease) {

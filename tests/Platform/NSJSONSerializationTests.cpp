@@ -29,12 +29,14 @@ TEST(NSJSONSerialization, WritesWhatItReadInItsOrder) {
 }
 
 TEST(NSJSONSerialization, NumbersKeepTheirDigits) {
-  for (const char* number :
-       {"0", "-1", "9223372036854775807", "-9223372036854775808", "18446744073709551615", "0.1", "1.10",
-        "1e3", "1E-7", "-0.0", "2.2250738585072014e-308", "1.7976931348623157e308",
-        "123456789012345678901234567890", "3.14159265358979323846264338327950288"}) {
+  for (const char* number : {"0", "-1", "9223372036854775807", "-9223372036854775808", "18446744073709551615",
+                             "0.1", "1.10", "1e3", "1E-7", "-0.0", "2.2250738585072014e-308",
+                             "1.7976931348623157e308", "123456789012345678901234567890",
+                             "3.14159265358979323846264338327950288", "1e400", "-1.50E+400", "1e-400"}) {
     EXPECT_EQ(rewritten(number), std::string(number) + "\n");
   }
+  const std::string among = "[\n  1.0,\n  \"1e400 \\\" 2\",\n  1e400,\n  -3\n]\n";
+  EXPECT_EQ(rewritten(among), among);
 }
 
 TEST(NSJSONSerialization, AKeyThatComesTwiceStaysAndCountsTheLastTime) {
@@ -48,8 +50,10 @@ TEST(NSJSONSerialization, AKeyThatComesTwiceStaysAndCountsTheLastTime) {
 
 TEST(NSJSONSerialization, WhatIsNoJSONTextIsDamaged) {
   for (const char* text :
-       {"", " ", "{", "{\"a\":}", "{\"a\":1,}", "[1 2]", "{} {}", "nul", "01", "+1", ".5", "NaN", "1e999",
-        "\"\\ud800\"", "\"\xff\"", "{'a':1}", "{\"a\":1} // comment", "\"a\nb\""}) {
+       {"",        " ",      "{",       "{\"a\":}",    "{\"a\":1,}", "[1 2]",   "{} {}",
+        "nul",     "01",     "+1",      ".5",          "NaN",        "1.e999",  "1e+",
+        "-",       "01e999", "1e999e1", "\"\\ud800\"", "\"\xff\"",   "{'a':1}", "{\"a\":1} // comment",
+        "\"a\nb\""}) {
     EXPECT_FALSE(read(text)) << text;
   }
 }

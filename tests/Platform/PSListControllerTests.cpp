@@ -106,6 +106,14 @@ TEST_F(PropertyListRows, LabelsAreInTheFirstOfTheUsersLanguagesThatHasThem) {
   EXPECT_EQ(made[0]->propertyForKey("footerText").stringValue(), "More below");
 }
 
+TEST_F(PropertyListRows, TheListsTitleIsThePanesUnlessItHasOne) {
+  rows("");
+  EXPECT_EQ(_pane->title(), "T");
+  _pane->setTitle("Own");
+  rows("");
+  EXPECT_EQ(_pane->title(), "Own");
+}
+
 TEST_F(PropertyListRows, WithoutAReadableListThereAreNoRows) {
   EXPECT_THAT(*_pane->loadSpecifiersFromPlistNameTarget("Missing", _pane.get()), IsEmpty());
   _device.bundle().write("Top.plist", "<plist version=\"1.0\"><array/></plist>");

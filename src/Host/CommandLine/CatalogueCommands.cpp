@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Host/CommandLine/Commands.h"
+#include "Host/Environment/HostWords.h"
 #include "Host/Library/Catalogue.h"
 
 namespace quaverly::commandline {
@@ -57,9 +58,9 @@ std::string line(const SongRecord& song) {
 std::string line(const DownloadRecord& download) {
   std::string text =
       isoDate(download.added).substr(0, 10) + "  " + nameOf(download.state) + "  " + download.sourcePath;
-  if (download.state == DownloadState::failed) return text + ": " + download.reason;
+  if (download.state == DownloadState::failed) return text + ": " + host::inUsersLanguage(download.reason);
   if (!download.libraryPath.empty()) return text + " -> " + download.libraryPath;
-  return text + ": not done; the next import goes on with it";
+  return text + ": " + host::inUsersLanguage("not done; the next import goes on with it");
 }
 
 /// Prints a listing of the catalogue, an entry a line.

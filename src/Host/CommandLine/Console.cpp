@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
+#include "Host/Environment/HostWords.h"
 #include "Platform/Foundation/NSString.h"
 
 namespace quaverly::commandline {
@@ -22,7 +23,7 @@ void writeLine(FILE* stream, std::string_view line) {
 std::string aboutAnd(std::string_view about, std::string_view what) {
   std::string line = "quaverly: ";
   if (!about.empty()) line += printable(about) + ": ";
-  return line + printable(what);
+  return line + printable(host::inUsersLanguage(what));
 }
 
 bool isColourful() {
@@ -73,7 +74,7 @@ void Console::object(const JsonObject& object) const {
 }
 
 void Console::news(std::string_view line) const {
-  if (_loudness != Loudness::quiet) result(line);
+  if (_loudness != Loudness::quiet) result(host::inUsersLanguage(line));
 }
 
 void Console::problem(std::string_view about, std::string_view what) const {

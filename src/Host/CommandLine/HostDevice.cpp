@@ -9,6 +9,7 @@
 
 #include "Host/Environment/DataFolder.h"
 #include "Host/Environment/DeviceFacts.h"
+#include "Host/Environment/HostWords.h"
 #include "Host/Environment/MachineFacts.h"
 #include "Platform/AppSupport/CPDistributedMessagingCenter.h"
 #include "Platform/Device/Device.h"
@@ -35,6 +36,7 @@ void fillFacts(Device& device, const fs::path& bundle) {
   device.localeIdentifier = host::localeIdentifier(host::processEnvironment);
   device.timeZoneName = host::timeZoneName(host::processEnvironment);
   device.preferredLanguages = host::preferredLanguages(host::processEnvironment, bundle);
+  device.systemWords = host::systemWord;
   device.systemVersion = host::systemVersion();
   device.fontFiles = host::fontFiles();
   device.machine = host::machineName();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "Host/Environment/HostWords.h"
 #include "Platform/Foundation/NSByteCountFormatter.h"
 #include "Platform/Foundation/NSString.h"
 
@@ -44,7 +45,7 @@ JsonObject tagsObject(const library::SongTags& tags) {
 std::string tagsText(const library::SongTags& tags) {
   std::string text;
   const auto add = [&](const char* name, const std::string& value) {
-    text += (text.empty() ? "" : ", ") + std::string(name) + " " + value;
+    text += (text.empty() ? "" : ", ") + host::inUsersLanguage(name) + " " + value;
   };
   const auto quoted = [](const std::string& value) { return "\"" + value + "\""; };
   if (tags.title) add("title", quoted(*tags.title));
@@ -52,7 +53,7 @@ std::string tagsText(const library::SongTags& tags) {
   if (tags.album) add("album", quoted(*tags.album));
   if (tags.trackNumber) add("track", std::to_string(tags.trackNumber));
   if (tags.year) add("year", std::to_string(tags.year));
-  return text.empty() ? "none" : text;
+  return text.empty() ? host::inUsersLanguage("none") : text;
 }
 
 const char* sentenceFor(ImportReport::Rest rest) {

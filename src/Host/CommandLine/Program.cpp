@@ -6,8 +6,10 @@
 
 #include "Host/CommandLine/Commands.h"
 #include "Host/CommandLine/HostDevice.h"
+#include "Host/Environment/HostWords.h"
 #include "Host/Environment/ProcessLimits.h"
 #include "Host/Environment/UserFolders.h"
+#include "Platform/Device/Device.h"
 #include "Platform/Foundation/NSLog.h"
 #include "Platform/Foundation/NSString.h"
 
@@ -148,6 +150,20 @@ void describe(CLI::App& app) {
       "Exit status: 0 all done, 1 something failed, 2 wrong usage.");
 }
 
+/// All that the help says, in the user's language.
+void translate(CLI::App& app, const host::HostWords& words) {
+  app.description(words.translated(app.get_description()));
+  app.footer(words.translated(app.get_footer()));
+  for (const char* label : {"Usage", "OPTIONS", "SUBCOMMAND", "REQUIRED", "Subcommands", "Positionals"})
+    app.get_formatter()->label(label, words.translated(label));
+  for (auto* option : app.get_options()) {
+    option->description(words.translated(option->get_description()));
+    option->group(words.translated(option->get_group()));
+  }
+  app.group(words.translated(app.get_group()));
+  for (auto* command : app.get_subcommands({})) translate(*command, words);
+}
+
 /// Runs what was chosen. What nobody foresaw ends the command with a line, not with a crash.
 int run(const Command& command, const CommonOptions& common) {
   Console console(common.form(), common.loudness());
@@ -164,6 +180,7 @@ int run(const Command& command, const CommonOptions& common) {
 
 int runProgram(int argumentCount, char** arguments) {
   host::raiseDescriptorLimit();
+  Device::current().systemWords = host::systemWord;
   CommonOptions common = defaultOptions();
   ServeOptions serve;
   ImportOptions import;
@@ -183,6 +200,7 @@ int runProgram(int argumentCount, char** arguments) {
   addEngines(app, common, engines, chosen);
   addMail(app, common, output, chosen);
   addListings(app, common, chosen);
+  translate(app, host::HostWords::current());
   try {
     app.parse(argumentCount, arguments);
   } catch (const CLI::ParseError& error) {

@@ -1,6 +1,8 @@
 #include "Host/CommandLine/ServeSession.h"
 
 #include "Host/Environment/DeviceFacts.h"
+#include "Host/Environment/HostWords.h"
+#include "Host/Page/PageWords.h"
 #include "Platform/Foundation/NSRunLoop.h"
 
 namespace quaverly::commandline {
@@ -20,6 +22,7 @@ ServeSession::ServeSession(HostDevice& device, library::DownloadService& service
       _panels(service, _settings.libraryFolder),
       _libraryFiles(service.catalogue(), _server.routes()),
       _screens(makeScreens ? makeScreens(_server.routes()) : nullptr) {
+  page::addPageWords(_server.routes(), pageFolder(), host::HostWords::current().language());
   _delegates.add(_panels);
   if (_screens) _delegates.add(*_screens);
   _service.addObserver(this);

@@ -45,12 +45,15 @@ std::vector<std::string> tableNames(const std::string& locale) {
           locale.substr(0, locale.find('_'))};
 }
 
+bool hasTable(const fs::path& bundle, const std::string& name) {
+  std::error_code ignored;
+  return fs::is_directory(bundle / (name + ".lproj"), ignored);
+}
+
 std::string tableFor(const std::string& locale, const fs::path& bundle) {
   const auto names = tableNames(locale);
-  const auto found = std::ranges::find_if(names, [&](const std::string& name) {
-    std::error_code ignored;
-    return fs::is_directory(bundle / (name + ".lproj"), ignored);
-  });
+  const auto found =
+      std::ranges::find_if(names, [&](const std::string& name) { return hasTable(bundle, name); });
   return found == names.end() ? names.front() : *found;
 }
 
@@ -79,6 +82,8 @@ std::vector<std::string> preferredLanguages(const Environment& environment, cons
     if (!locale.empty()) languages.push_back(tableFor(locale, bundle));
     at = end + 1;
   }
+  // The bundle looks at the first one only: let that be the first that it has words in.
+  std::ranges::stable_partition(languages, [&](const std::string& name) { return hasTable(bundle, name); });
   if (languages.empty()) languages.emplace_back("en");
   return languages;
 }

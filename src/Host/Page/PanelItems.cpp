@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Host/Environment/HostWords.h"
 #include "Platform/Foundation/NSString.h"
 
 namespace quaverly::page {
@@ -45,7 +46,7 @@ Json downloadItem(const library::DownloadRecord& record, const library::Download
   item["state"] = nameOf(record.state);
   item["bytes"] = bytesDone(record, progress);
   item["total"] = record.bytes > 0 ? record.bytes : progress.total;
-  if (!record.reason.empty()) item["reason"] = record.reason;
+  if (!record.reason.empty()) item["reason"] = host::inUsersLanguage(record.reason);
   item["canRetry"] = record.state == DownloadState::failed;
   return item;
 }

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "Host/Environment/HostWords.h"
 #include "Host/Page/PanelItems.h"
 #include "Platform/Device/Device.h"
 
@@ -20,7 +21,7 @@ std::string textOf(const Json& message) {
 }
 
 Json problem(const char* panel, const std::string& text) {
-  return {{"type", "problem"}, {"panel", panel}, {"text", text}};
+  return {{"type", "problem"}, {"panel", panel}, {"text", host::inUsersLanguage(text)}};
 }
 
 /// The whole number of that name in a page's message; 0 when there is none.
@@ -108,8 +109,8 @@ void Panels::downloadEnded(const DownloadRecord& record) {
 }
 
 void Panels::serviceWaits(const std::string& why) {
-  _notice = why;
-  broadcast({{"type", "downloads"}, {"notice", why}, {"items", Json::array()}});
+  _notice = host::inUsersLanguage(why);
+  broadcast({{"type", "downloads"}, {"notice", _notice}, {"items", Json::array()}});
 }
 
 void Panels::change(DownloadID id) {

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "Host/Environment/HostWords.h"
 #include "Host/Screens/NodeDescription.h"
 
 namespace quaverly::screens {
@@ -110,7 +111,7 @@ void describeLooks(const UIView& view, Json& node) {
     const auto* const shape = dynamic_cast<const CAShapeLayer*>(sublayer.get());
     if (shape && shape->path()) node["shapes"].push_back(describeShape(*shape));
   }
-  if (view.accessibilityLabel()) node["name"] = *view.accessibilityLabel();
+  if (view.accessibilityLabel()) node["name"] = host::inUsersLanguage(*view.accessibilityLabel());
   if (view.accessibilityTraits() & UIAccessibilityTraitUpdatesFrequently) node["role"] = "status";
 }
 

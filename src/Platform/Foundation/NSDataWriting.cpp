@@ -45,6 +45,10 @@ class Replacement {
     return true;
   }
 
+  /// Waits until the bytes are on the disk, so that no power cut leaves an empty file in place of the old
+  /// one.
+  bool flush() { return ::fsync(_descriptor) == 0; }
+
   bool takeThePlace() {
     struct stat replaced;
     if (::stat(_target.c_str(), &replaced) == 0) ::fchmod(_descriptor, replaced.st_mode & 07777);
@@ -61,13 +65,20 @@ class Replacement {
   bool _renamed = false;
 };
 
+/// Nobody misses these after a power cut, and songs are imported faster without waiting for the disk.
+bool isTemporary(std::string_view devicePath) {
+  return devicePath.find("/tmp/") != std::string_view::npos;
+}
+
 /// Returns 0 or an `errno` value.
 int write(std::span<const std::byte> bytes, std::string_view devicePath) {
   const auto location = Device::current().mounts.resolve(devicePath);
   if (!location) return ENOENT;
   if (location->access != MountTable::Access::readWrite) return EROFS;
   Replacement replacement(location->hostPath);
-  return replacement.isOpen() && replacement.write(bytes) && replacement.takeThePlace() ? 0 : errno;
+  const bool isWritten = replacement.isOpen() && replacement.write(bytes) &&
+                         (isTemporary(devicePath) || replacement.flush()) && replacement.takeThePlace();
+  return isWritten ? 0 : errno;
 }
 
 }  // namespace

@@ -2,12 +2,17 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Platform/Foundation/JSONNumbers.h"
+
 namespace quaverly {
 namespace {
 
 /// Builds values as the parser tells of them. Answering false stops the parser.
 class Builder {
  public:
+  /// `numbers` are those that the parser will tell of, as they were written.
+  explicit Builder(const std::vector<std::string>& numbers) : _numbers(numbers) {}
+
   using number_integer_t = nlohmann::json::number_integer_t;
   using number_unsigned_t = nlohmann::json::number_unsigned_t;
   using number_float_t = nlohmann::json::number_float_t;
@@ -16,10 +21,9 @@ class Builder {
 
   bool null() { return add({}); }
   bool boolean(bool value) { return add(value); }
-  bool number_integer(number_integer_t value) { return add(NSNumber(std::to_string(value))); }
-  bool number_unsigned(number_unsigned_t value) { return add(NSNumber(std::to_string(value))); }
-  /// Integers of more than 64 bits come here too.
-  bool number_float(number_float_t, const string_t& digits) { return add(NSNumber(digits)); }
+  bool number_integer(number_integer_t) { return addNumber(); }
+  bool number_unsigned(number_unsigned_t) { return addNumber(); }
+  bool number_float(number_float_t, const string_t&) { return addNumber(); }
   bool string(string_t& text) { return add(std::move(text)); }
   bool binary(binary_t&) { return false; }
 
@@ -55,6 +59,8 @@ class Builder {
     return add(std::move(whole));
   }
 
+  bool addNumber() { return add(NSNumber(_numbers[_numbersRead++])); }
+
   bool add(NSPlainValue value) {
     if (_open.empty()) {
       _result = std::move(value);
@@ -66,6 +72,8 @@ class Builder {
     return true;
   }
 
+  const std::vector<std::string>& _numbers;
+  size_t _numbersRead = 0;
   std::vector<Level> _open;
   NSPlainValue _result;
 };
@@ -128,8 +136,9 @@ class Writer {
 
 std::optional<NSPlainValue> NSJSONSerialization::JSONObjectWithText(std::string_view text) {
   if (text.size() > largestText) return std::nullopt;
-  Builder builder;
-  if (!nlohmann::json::sax_parse(text, &builder)) return std::nullopt;
+  const JSONNumbers numbers(text);
+  Builder builder(numbers.digits);
+  if (!nlohmann::json::sax_parse(numbers.text, &builder)) return std::nullopt;
   return builder.takeResult();
 }
 

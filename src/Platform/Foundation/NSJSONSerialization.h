@@ -9,7 +9,7 @@
 namespace quaverly {
 
 /// JSON text and its values. The order of keys, and keys that come twice, stay as they are; numbers keep
-/// their digits, but must be within the range of a double. Any thread.
+/// their digits, however large they are. Any thread.
 class NSJSONSerialization {
  public:
   NSJSONSerialization() = delete;
