@@ -3,8 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "Platform/Foundation/NSClass.h"
 #include "Platform/Foundation/NSLog.h"
+#include "Platform/Preferences/PSStoredValues.h"
 #include "Platform/UIKit/UIApplication.h"
 #include "Platform/UIKit/UINavigationController.h"
 #include "Support/TestDevice.h"
@@ -120,6 +123,109 @@ TEST_F(PropertyListRows, WithoutAReadableListThereAreNoRows) {
   EXPECT_THAT(*_pane->loadSpecifiersFromPlistNameTarget("Top", _pane.get()), IsEmpty());
   _pane->setBundle(nullptr);
   EXPECT_THAT(*_pane->loadSpecifiersFromPlistNameTarget("Missing", _pane.get()), IsEmpty());
+}
+
+TEST_F(PropertyListRows, TheLogSaysWhyAListHasNoRows) {
+  rows("</array><key>more</key><array>");
+  EXPECT_THAT(_log, IsEmpty());
+  _device.bundle().write("Top.plist", "<plist version=\"1.0\"><array/></plist>");
+  _device.bundle().write("Damaged.plist", "<plist version=\"1.0\"><dict>");
+  _device.bundle().makeFolder("Folder.plist");
+  for (const char* name : {"Missing", "Top", "Damaged", "Folder"}) {
+    _log.clear();
+    EXPECT_THAT(*_pane->loadSpecifiersFromPlistNameTarget(name, _pane.get()), IsEmpty());
+    EXPECT_THAT(_log, ElementsAre(HasSubstr(name)));
+  }
+}
+
+/// Rows whose values are kept, in a pane that is made anew each time.
+class StoredRows : public PropertyListRows {
+ protected:
+  StoredRows() {
+    _device->mounts.mount(PSStoredValues::folder, _values.path(), MountTable::Access::readWrite);
+  }
+
+  Ref<PSTableCell> cell(const char* kind, const std::string& key, const std::string& more = "") {
+    const auto made = rows("<dict><key>cell</key><string>" + std::string(kind) +
+                           "</string><key>label</key><string>Row</string><key>key</key><string>" + key +
+                           "</string><key>defaults</key><string>com.some.rows</string>" + more + "</dict>");
+    auto cell = make<PSTableCell>();
+    cell->initWithSpecifier(made.at(0));
+    return cell;
+  }
+
+  std::string file() const { return test::contentsOf(_values / "com.some.rows.json"); }
+
+  test::TemporaryFolder _values;
+};
+
+TEST_F(StoredRows, ASwitchBeginsAsTheListSaysAndStaysAsAPersonLeftIt) {
+  const std::string on = "<key>default</key><true/>";
+  EXPECT_FALSE(cell("PSSwitchCell", "loud")->control()->isOn());
+  const auto first = cell("PSSwitchCell", "loud", on);
+  EXPECT_TRUE(first->control()->isOn());
+  first->control()->toggle();
+  EXPECT_FALSE(cell("PSSwitchCell", "loud", on)->control()->isOn());
+  EXPECT_TRUE(cell("PSSwitchCell", "bright", on)->control()->isOn());
+  EXPECT_EQ(file(), "{\n  \"loud\": false\n}\n");
+}
+
+TEST_F(StoredRows, ATextRowIsEditedInItsRow) {
+  const auto first = cell("PSEditTextCell", "name", "<key>placeholder</key><string>Nobody</string>");
+  ASSERT_TRUE(first->textField());
+  EXPECT_EQ(first->textField()->text(), "");
+  EXPECT_EQ(first->textField()->placeholder(), "Nobody");
+  EXPECT_EQ(first->textField()->accessibilityLabel(), "Row");
+  first->textField()->type("Ann \"A\" Übel");
+  EXPECT_EQ(cell("PSEditTextCell", "name")->textField()->text(), "Ann \"A\" Übel");
+  EXPECT_EQ(cell("PSTitleValueCell", "name")->detailTextLabel()->text(), "Ann \"A\" Übel");
+}
+
+TEST_F(StoredRows, AFieldLiesBehindItsLabel) {
+  const auto row = cell("PSEditTextCell", "name", "<key>keyboard</key><string>numbers</string>");
+  EXPECT_EQ(row->textField()->keyboardType(), UIKeyboardType::NumberPad);
+  row->setFrame({0, 0, 375, 44});
+  row->layoutIfNeeded();
+  const auto label = row->textLabel()->frame();
+  const auto field = row->textField()->frame();
+  EXPECT_EQ(label.x, 15);
+  EXPECT_GT(label.width, 20);
+  EXPECT_GT(field.x, label.maxX());
+  EXPECT_EQ(field.maxX(), 360);
+  EXPECT_EQ(field.height, 44);
+}
+
+TEST_F(StoredRows, OneRowsValueLeavesTheOthersAsTheyAre) {
+  _values.write("com.some.rows.json", R"({"size": 1e400, "loud": true, "list": [1.50]})");
+  cell("PSSwitchCell", "loud")->control()->toggle();
+  EXPECT_EQ(file(), "{\n  \"size\": 1e400,\n  \"loud\": false,\n  \"list\": [\n    1.50\n  ]\n}\n");
+}
+
+TEST_F(StoredRows, ADamagedFileHoldsNoValuesAndIsReplaced) {
+  _values.write("com.some.rows.json", "{\"loud\": tr");
+  const auto row = cell("PSSwitchCell", "loud");
+  EXPECT_FALSE(row->control()->isOn());
+  row->control()->toggle();
+  EXPECT_EQ(file(), "{\n  \"loud\": true\n}\n");
+}
+
+TEST_F(StoredRows, NoNameLeadsOutOfTheFolder) {
+  _values.makeFolder("inner");
+  _device->mounts.mount(PSStoredValues::folder, _values / "inner", MountTable::Access::readWrite);
+  for (const char* name : {"", "../up", "/tmp/x", ".", "..", ".hidden"}) {
+    PSStoredValues::setValueForKey(true, "loud", name);
+    EXPECT_TRUE(PSStoredValues::valueForKey("loud", name).isNull()) << name;
+  }
+  EXPECT_FALSE(std::filesystem::exists(_values / "up.json"));
+}
+
+TEST_F(StoredRows, WhereNothingCanBeKeptTheLogSaysSo) {
+  _device->mounts.unmount(PSStoredValues::folder);
+  _log.clear();
+  const auto row = cell("PSSwitchCell", "loud");
+  row->control()->toggle();
+  EXPECT_TRUE(row->control()->isOn());
+  EXPECT_THAT(_log, ElementsAre(HasSubstr("com.some.rows.json")));
 }
 
 class TallCell : public PSTableCell {

@@ -95,6 +95,16 @@ library::MaybeFailure HostDevice::provideEngines() const {
   return std::nullopt;
 }
 
+library::MaybeFailure HostDevice::providePreferences() const {
+  const fs::path folder = fs::path(_settings.dataFolder) / "preferences";
+  auto error = host::makeDataFolder(_settings.dataFolder);
+  if (!error) fs::create_directory(folder, error);
+  if (error)
+    return Failure{"No preferences can be kept in " + folder.string() + " (" + error.message() + ")."};
+  Device::current().mounts.mount("/var/mobile/Library/Preferences", folder, MountTable::Access::readWrite);
+  return std::nullopt;
+}
+
 void HostDevice::providePackageStatus() const {
   constexpr const char* status = "/var/lib/dpkg/status";
   Device::current().mounts.mount(status, status, MountTable::Access::readOnly);

@@ -28,6 +28,9 @@ class HostDevice {
   /// Puts the user's own engine files, which can be switched, in place of those that come with the program.
   library::MaybeFailure provideEngines() const;
 
+  /// Keeps what people enter into the rows of panes in the data folder.
+  library::MaybeFailure providePreferences() const;
+
   /// Lets a support mail read which packages are installed.
   void providePackageStatus() const;
 

@@ -140,7 +140,7 @@ void addListings(CLI::App& app, const CommonOptions& common, Command& chosen) {
 
 void describe(CLI::App& app) {
   app.name("quaverly");
-  app.set_version_flag("--version", "quaverly " QUAVERLY_VERSION);
+  app.set_version_flag("--version", "quaverly " QUAVERLY_VERSION, "Print the version");
   app.set_help_flag("-h,--help", "Print this help");
   app.get_formatter()->column_width(30);
   app.fallthrough();

@@ -44,7 +44,8 @@ std::unique_ptr<page::PageDelegate> makeScreens(page::PageRoutes& routes) {
 /// What the panes read and write. Without engines of the user's own those of the program are shown, and none
 /// of them can be switched.
 void provideFiles(const Console& console, const HostDevice& device) {
-  if (const auto problem = device.provideEngines()) console.problem("", problem->reason);
+  for (const auto& problem : {device.provideEngines(), device.providePreferences()})
+    if (problem) console.problem("", problem->reason);
   device.providePackageStatus();
 }
 

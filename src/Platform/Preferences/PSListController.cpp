@@ -62,9 +62,10 @@ class Loading {
  private:
   void describe(PSSpecifier& specifier, const NSDictionary& entries) const {
     for (const auto& [key, value] : entries.entries()) {
-      const bool isText = key == "label" || key == "footerText";
+      const bool isText = key == "label" || key == "footerText" || key == "placeholder";
       specifier.setPropertyForKey(isText ? _labels.localized(value) : value, key);
     }
+    specifier.storeValue();
   }
 
   bool areClassesKnown(const PSSpecifier& specifier) {
@@ -123,6 +124,8 @@ PSListController::Specifiers PSListController::loadSpecifiersFromPlistNameTarget
   if (_bundle) {
     const std::string path = _bundle->bundlePath() + "/" + std::string(name) + ".plist";
     const auto list = NSPropertyListSerialization::propertyListWithContentsOfFile(path);
+    if (list && !entryOf(list, "items").array())
+      NSLog("The property list \"" + std::string(name) + "\" has no items.");
     Loading loading(name, *_bundle, target);
     const auto title = loading.titleOf(entryOf(list, "title"));
     if (!title.empty() && !this->title()) setTitle(title);

@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "Platform/Preferences/PSStoredValues.h"
+
 namespace quaverly {
 
 std::optional<PSCellType> PSCellTypeFromString(std::string_view name) {
@@ -28,6 +30,19 @@ std::optional<PSCellType> PSCellTypeFromString(std::string_view name) {
 
 Ref<PSSpecifier> PSSpecifier::groupSpecifierWithName(std::string name) {
   return make<PSSpecifier>(std::move(name), PSCellType::group);
+}
+
+void PSSpecifier::storeValue() {
+  const auto* key = propertyForKey("key").string();
+  const auto* defaults = propertyForKey("defaults").string();
+  if (!key || !defaults) return;
+  _getter = [key = *key, defaults = *defaults](PSSpecifier& asked) {
+    auto value = PSStoredValues::valueForKey(key, defaults);
+    return value.isNull() ? asked.propertyForKey("default") : value;
+  };
+  _setter = [key = *key, defaults = *defaults](const NSPlainValue& value, PSSpecifier&) {
+    PSStoredValues::setValueForKey(value, key, defaults);
+  };
 }
 
 NSPlainValue PSSpecifier::performGetter() {

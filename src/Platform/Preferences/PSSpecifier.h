@@ -69,6 +69,10 @@ class PSSpecifier : public NSObject {
     _properties.setObjectForKey(std::move(value), key);
   }
 
+  /// Keeps the row's value from now on, if the properties say where: under the text `key` in what the text
+  /// `defaults` names. Until a person gives another it is that of `default`.
+  void storeValue();
+
   /// The row's value, as the target has it; null when there is nobody to ask.
   NSPlainValue performGetter();
   bool hasSetter() const { return _setter != nullptr; }

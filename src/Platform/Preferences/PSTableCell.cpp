@@ -1,5 +1,6 @@
 #include "Platform/Preferences/PSTableCell.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "Platform/Foundation/NSClass.h"
@@ -47,12 +48,13 @@ void PSTableCell::showValue() {
       return setAccessoryType(UITableViewCellAccessoryType::DisclosureIndicator);
     case PSCellType::button:
       return textLabel()->setTextColor(tintColor());
+    case PSCellType::editText:
+      return addTextField();
     case PSCellType::group:
     case PSCellType::linkList:
     case PSCellType::listItem:
     case PSCellType::slider:
     case PSCellType::staticText:
-    case PSCellType::editText:
     case PSCellType::segment:
       break;
   }
@@ -69,6 +71,34 @@ void PSTableCell::addSwitch() {
 
 void PSTableCell::switchChanged() {
   _specifier->performSetterWithValue(_control->isOn());
+}
+
+void PSTableCell::addTextField() {
+  _textField = make<UITextField>();
+  _textField->setText(_specifier->performGetter().stringValue());
+  _textField->setAccessibilityLabel(_specifier->name());
+  if (const auto* placeholder = _specifier->propertyForKey("placeholder").string())
+    _textField->setPlaceholder(*placeholder);
+  const auto keyboard = _specifier->propertyForKey("keyboard").stringValue();
+  if (keyboard == "numbers") _textField->setKeyboardType(UIKeyboardType::NumberPad);
+  _textField->addTargetActionForControlEvents(UITargetAction(this, &PSTableCell::textChanged),
+                                              UIControlEvents::EditingChanged);
+  contentView()->addSubview(_textField);
+}
+
+void PSTableCell::textChanged() {
+  _specifier->performSetterWithValue(_textField->text());
+}
+
+/// A field begins behind the row's label, and takes the rest of the row.
+void PSTableCell::layoutSubviews() {
+  UITableViewCell::layoutSubviews();
+  if (!_textField) return;
+  const CGRect room = textLabel()->frame();
+  const double label = std::min(textLabel()->sizeThatFits({}).width, room.width / 2);
+  const double gap = label > 0 ? 15 : 0;
+  textLabel()->setFrame({room.x, room.y, label, room.height});
+  _textField->setFrame({room.x + label + gap, 0, room.width - label - gap, room.height});
 }
 
 }  // namespace quaverly

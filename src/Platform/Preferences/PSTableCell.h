@@ -6,6 +6,7 @@
 #include "Platform/Preferences/PSSpecifier.h"
 #include "Platform/UIKit/UIButton.h"
 #include "Platform/UIKit/UITableViewCell.h"
+#include "Platform/UIKit/UITextField.h"
 
 namespace quaverly {
 
@@ -25,14 +26,22 @@ class PSTableCell : public UITableViewCell {
   const Ref<PSSpecifier>& specifier() const { return _specifier; }
   /// The switch of a switch row, else null.
   const Ref<UISwitch>& control() const { return _control; }
+  /// The field of a text row, else null.
+  const Ref<UITextField>& textField() const { return _textField; }
+
+ protected:
+  void layoutSubviews() override;
 
  private:
   void showValue();
   void addSwitch();
   void switchChanged();
+  void addTextField();
+  void textChanged();
 
   Ref<PSSpecifier> _specifier;
   Ref<UISwitch> _control;
+  Ref<UITextField> _textField;
 };
 
 }  // namespace quaverly

@@ -1,0 +1,76 @@
+"""The program speaks the user's language where people read, and English where programs do."""
+import unittest
+
+import program
+from program import LANTERN, ROOFS, ProgramTest
+from serving import Serving
+
+LOCALES = ["de_AT", "es_MX", "fr_FR", "it_IT", "ja_JP", "pt_BR", "ru_RU", "zh_CN"]
+GERMAN = {"LANG": "de_AT.UTF-8"}
+
+
+class Languages(ProgramTest):
+    def test_a_problem_is_told_in_the_users_language(self):
+        told = self.run_program("import", "nothing.mp3", env=GERMAN)
+        self.assertEqual(told.errors, ["quaverly: nothing.mp3: Diese Datei gibt es nicht. Prüfen Sie den Namen."])
+
+    def test_an_import_is_reported_in_the_users_language(self):
+        one, other = self.copy(LANTERN, "a.mp3"), self.copy(ROOFS, "b.mp3")
+        first = self.run_program("import", one, env=GERMAN)
+        self.assertEqual(first.status, 0, first.err)
+        second = self.run_program("import", one, other, env=GERMAN).out.decode()
+        self.assertIn(" ist schon in der Mediathek: ", second)
+        self.assertIn(f"1 Titel in {self.library} abgelegt, 1 schon vorhanden.", second)
+        dry = self.run_program("import", "--dry-run", "--title", "Neu", one, env=GERMAN).out.decode()
+        self.assertIn(" würde zu ", dry)
+        self.assertIn('  Tags danach:  Titel "Neu", Interpret "The Quaver House Band"', dry)
+
+    def test_json_is_the_same_in_every_language(self):
+        song = self.copy(LANTERN, "a.mp3")
+        for arguments in [["import", "nothing.mp3"], ["import", "--dry-run", song], ["engines"], ["ls"]]:
+            english = self.run_program("--json", *arguments)
+            german = self.run_program("--json", *arguments, env=GERMAN)
+            self.assertEqual(german.objects, english.objects)
+        self.assertIn("There is no such file", self.run_program("--json", "import", "nothing.mp3", env=GERMAN).object["error"])
+
+    def test_what_was_stored_in_one_language_is_read_in_another(self):
+        (self.media / "empty.mp3").write_bytes(b"no audio in here")
+        self.run_program("import", self.media / "empty.mp3", env=GERMAN)
+        english = self.run_program("downloads").out.decode()
+        french = self.run_program("downloads", env={"LANG": "fr_FR.UTF-8"}).out.decode()
+        self.assertIn("no audio that can be imported", english)
+        self.assertIn("Le fichier ne contient pas d’audio importable.", french)
+
+    def test_the_help_is_in_the_users_language(self):
+        english = self.run_program("--help").out.decode()
+        for locale in LOCALES:
+            helped = self.run_program("--help", env={"LANG": locale + ".UTF-8"})
+            self.assertEqual(helped.status, 0, helped.err)
+            text = helped.out.decode()
+            for sentence in ["Brings audio files", "Print this help", "Put audio files", "Exit status", "Options of"]:
+                self.assertIn(sentence, english)
+                self.assertNotIn(sentence, text, locale)
+
+    def test_the_list_of_languages_comes_first_and_those_without_words_are_passed_over(self):
+        told = self.run_program("import", "nothing.mp3", env={"LANG": "de_DE.UTF-8", "LANGUAGE": "sv:fr"})
+        self.assertIn("Ce fichier n’existe pas.", told.errors[0])
+
+    def test_languages_without_words_get_english(self):
+        for environment in [{"LANG": "sv_SE.UTF-8"}, {"LANG": "C", "LANGUAGE": "de"}, {"LC_ALL": "en_GB.UTF-8", **GERMAN}]:
+            told = self.run_program("import", "nothing.mp3", env=environment)
+            self.assertIn("There is no such file.", told.errors[0])
+
+    def test_the_page_gets_its_words(self):
+        for locale, words in [("de_AT", "language = 'de'"), ("zh_CN", "language = 'zh-Hans'"), ("C", "language = 'en'")]:
+            serving = Serving(self, "serve", "--no-browser", LANG=locale + ".UTF-8").enter()
+            head, body = serving.ask("/translation.js")
+            self.assertTrue(head.startswith("HTTP/1.1 200"), head)
+            self.assertIn("text/javascript", head)
+            self.assertIn(words, body if isinstance(body, str) else body.decode())
+            self.assertTrue(serving.ask("/translation.jsx")[0].startswith("HTTP/1.1 404"))
+            self.assertEqual(serving.stop()[0], 0)
+
+
+if __name__ == "__main__":
+    program.enter_own_network()
+    unittest.main()
