@@ -131,11 +131,12 @@ TEST_F(EnginesPane, AFolderNamedLikeAnEngineIsADamagedOne) {
 
 TEST_F(EnginesPane, ASwitchWritesATruthValueAndKeepsAllElse) {
   _engines.write("one.qvsc", R"({"z":1e2,"enabled":1,"big":12345678901234567890123,"n":-9223372036854775808,)"
-                             R"("title":"Ä","deep":{"y":[1.50,null],"a":{}}})");
+                             R"("far":-1.5E+400,"title":"Ä","deep":{"y":[1.50,null],"a":{}}})");
   turn(false);
   EXPECT_EQ(contents("one.qvsc"),
             "{\n  \"z\": 1e2,\n  \"enabled\": false,\n  \"big\": 12345678901234567890123,\n"
-            "  \"n\": -9223372036854775808,\n  \"title\": \"Ä\",\n  \"deep\": {\n    \"y\": [\n      1.50,\n"
+            "  \"n\": -9223372036854775808,\n  \"far\": -1.5E+400,\n  \"title\": \"Ä\",\n  \"deep\": {\n    "
+            "\"y\": [\n      1.50,\n"
             "      null\n    ],\n    \"a\": {}\n  }\n}\n");
   turn(true);
   EXPECT_THAT(contents("one.qvsc"), testing::HasSubstr("\"enabled\": true,\n  \"big\""));
