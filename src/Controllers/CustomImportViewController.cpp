@@ -91,18 +91,7 @@ void CustomImportViewController::prepareNavigationBar() {
 
 void CustomImportViewController::import() {
   writeBackEdits();
-  const auto importer = make<QVImporter>();
-  importer->setTitle(_currentSongItem.title());
-  importer->setArtist(_currentSongItem.artist());
-  importer->setAlbum(_currentSongItem.album());
-  importer->setGenre(_currentSongItem.genre());
-  importer->setThumbnail(_currentSongItem.artworkMedium());
-  importer->setArtwork(_currentSongItem.artworkHigh());
-  importer->setIndexInCollection(_currentSongItem.indexInCollection());
-  importer->setReleaseYear(_currentSongItem.releaseYear());
-  importer->setDownloadRequest(_localfileRequest);
-  if (QVImporter::systemTakesItemIdentifiers()) importer->setItemID(QVImporter::randomItemID());
-  importer->import();
+  QVImporter::importerForSong(_currentSongItem, _localfileRequest)->import();
   closeView();
   StatusCore::sharedInstance().showTempMessage(
       LocalizedStrings::languageSelectedStringForKey("IMPORT_SUCCESS"));

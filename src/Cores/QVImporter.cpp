@@ -1,5 +1,6 @@
 #include "Cores/QVImporter.h"
 
+#include "Other/QVClasses.h"
 #include "Platform/Device/Device.h"
 #include "Platform/Foundation/NSBundle.h"
 #include "Platform/Foundation/NSClass.h"
@@ -34,6 +35,21 @@ bool QVImporter::systemTakesItemIdentifiers() {
 std::string QVImporter::randomItemID() {
   const auto random = static_cast<float>(Device::current().random());
   return std::to_string(static_cast<int32_t>(random * 0x1p-32F * 905794176.0F + 10000000.0F));
+}
+
+Ref<QVImporter> QVImporter::importerForSong(const iTunesSongItem& song, std::optional<NSURLRequest> request) {
+  auto importer = make<QVImporter>();
+  importer->setTitle(song.title());
+  importer->setArtist(song.artist());
+  importer->setAlbum(song.album());
+  importer->setGenre(song.genre());
+  importer->setThumbnail(song.artworkMedium());
+  importer->setArtwork(song.artworkHigh());
+  importer->setIndexInCollection(song.indexInCollection());
+  importer->setReleaseYear(song.releaseYear());
+  importer->setDownloadRequest(std::move(request));
+  if (systemTakesItemIdentifiers()) importer->setItemID(randomItemID());
+  return importer;
 }
 
 void QVImporter::import() {

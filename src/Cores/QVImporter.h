@@ -9,6 +9,7 @@
 namespace quaverly {
 
 class SSDownloadMetadata;
+class iTunesSongItem;
 
 /// Puts one audio file that lies on the device into its music library: describes it as a store download whose
 /// asset lies on the local import server, and hands that to the platform's music download manager.
@@ -17,6 +18,9 @@ class SSDownloadMetadata;
 class QVImporter : public NSObject {
  public:
   using Text = std::optional<std::string>;
+
+  /// One that is filled from a song's record, with a new item identifier where `systemTakesItemIdentifiers`.
+  static Ref<QVImporter> importerForSong(const iTunesSongItem& song, std::optional<NSURLRequest> request);
 
   const Text& title() const { return _title; }
   void setTitle(Text title) { _title = std::move(title); }

@@ -38,21 +38,10 @@ void fill(iTunesSongItem& song, const iTunesSongItem::Text& (iTunesSongItem::*ge
   (song.*set)(edit ? *edit : (song.*get)().value_or(""));
 }
 
-Ref<QVImporter> importerFor(const iTunesSongItem& song, const std::string& devicePath) {
-  auto importer = make<QVImporter>();
-  importer->setTitle(song.title());
-  importer->setArtist(song.artist());
-  importer->setAlbum(song.album());
-  importer->setGenre(song.genre());
-  importer->setThumbnail(song.artworkMedium());
-  importer->setArtwork(song.artworkHigh());
-  importer->setIndexInCollection(song.indexInCollection());
-  importer->setReleaseYear(song.releaseYear());
-  if (QVImporter::systemTakesItemIdentifiers()) importer->setItemID(QVImporter::randomItemID());
-  if (auto url = NSURL::URLWithString(NSStringByAddingPercentEscapesForQuery(devicePath))) {
-    importer->setDownloadRequest(NSURLRequest(std::move(*url)));
-  }
-  return importer;
+/// The request that the browser would make for the file.
+std::optional<NSURLRequest> requestFor(const std::string& devicePath) {
+  auto url = NSURL::URLWithString(NSStringByAddingPercentEscapesForQuery(devicePath));
+  return url ? std::optional(NSURLRequest(std::move(*url))) : std::nullopt;
 }
 
 }  // namespace
@@ -80,7 +69,7 @@ MaybeFailure SongHandOver::handOver(const std::string& file) {
   iTunesSongItem song = _browser->songItemFromPath(reached->devicePath);
   edit(song);
   remarkOnNumbers(file, song);
-  importerFor(song, reached->devicePath)->import();
+  QVImporter::importerForSong(song, requestFor(reached->devicePath))->import();
   return std::nullopt;
 }
 
