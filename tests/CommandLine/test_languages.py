@@ -70,6 +70,14 @@ class Languages(ProgramTest):
             self.assertTrue(serving.ask("/translation.jsx")[0].startswith("HTTP/1.1 404"))
             self.assertEqual(serving.stop()[0], 0)
 
+    def test_who_is_not_let_in_is_told_why_in_the_users_language(self):
+        serving = Serving(self, "serve", "--no-browser", **GERMAN)
+        head, body = serving.ask("/")
+        self.assertTrue(head.startswith("HTTP/1.1 403"), head)
+        self.assertIn('<html lang="de">', body.decode())
+        self.assertIn("Diese Adresse ist nicht für alle", body.decode())
+        self.assertIn("<code>quaverly serve</code>", body.decode())
+
 
 if __name__ == "__main__":
     program.enter_own_network()

@@ -11,8 +11,8 @@ PAGE = ROOT / "resources/page"
 LANGUAGES = {"de", "es", "fr", "it", "ja", "pt-BR", "ru", "zh-Hans"}
 LITERALS = re.compile(r'"(?:[^"\\\n]|\\.)*"(?:\s*"(?:[^"\\\n]|\\.)*")*')
 
-# What stays English: the page's own error answers, and files that no person reads.
-ENGLISH = {"HttpConnection.cpp", "PageAnswer.cpp", "PageRoutes.cpp", "BrowserStart.cpp"}
+# What stays English: a file that no person reads.
+ENGLISH = {"BrowserStart.cpp"}
 # What is no sentence of the program: tags' values, a file's name, and parts that are looked for.
 NO_SENTENCES = {"Unknown Title", "Unknown Artist", "Unknown Album", "Quaverly Support.eml"}
 

@@ -135,4 +135,8 @@ std::string inUsersLanguage(std::string_view english) {
   return words ? words(english) : std::string(english);
 }
 
+std::string usersLanguage() {
+  return Device::current().systemWords ? HostWords::current().language() : "en";
+}
+
 }  // namespace quaverly::host

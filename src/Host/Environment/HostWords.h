@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quaverly::host {
@@ -50,5 +51,7 @@ std::string systemWord(std::string_view english);
 
 /// What the device says in the user's language, for all that people read.
 std::string inUsersLanguage(std::string_view english);
+/// The language that this is, as a web page names it.
+std::string usersLanguage();
 
 }  // namespace quaverly::host

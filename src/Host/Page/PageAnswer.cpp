@@ -4,6 +4,7 @@
 #include <charconv>
 #include <optional>
 
+#include "Host/Environment/HostWords.h"
 #include "Platform/CFNetwork/RequestHead.h"
 
 namespace quaverly::page {
@@ -64,9 +65,10 @@ PageAnswer PageAnswer::message(int status, std::string_view title, std::string_v
   answer.status = status;
   answer.contentType = "text/html; charset=utf-8";
   answer.cacheControl = "no-store";
-  answer.body =
-      NSData("<!doctype html>\n<html lang=\"en\">\n<meta charset=\"utf-8\">\n<title>" + std::string(title) +
-             "</title>\n<h1>" + std::string(title) + "</h1>\n<p>" + std::string(sentence) + "</p>\n");
+  const std::string heading = host::inUsersLanguage(title);
+  answer.body = NSData("<!doctype html>\n<html lang=\"" + host::usersLanguage() +
+                       "\">\n<meta charset=\"utf-8\">\n<title>" + heading + "</title>\n<h1>" + heading +
+                       "</h1>\n<p>" + host::inUsersLanguage(sentence) + "</p>\n");
   return answer;
 }
 
