@@ -3,6 +3,7 @@
 import {Connection} from './connection.js';
 import {Device} from './device/device.js';
 import {Frame} from './frame.js';
+import {Links} from './links.js';
 import {Panels} from './panels/panels.js';
 import {say} from './words.js';
 
@@ -22,10 +23,11 @@ function tellConnection(state) {
 const send = message => connection.send(message);
 const frame = new Frame(send);
 const device = new Device({root: document.getElementById('screen'), send, announce, onScreen: (...all) => frame.show(...all)});
+const links = new Links();
 const panels = new Panels({send, announce});
 
 const connection = new Connection({
-  onMessage: message => device.take(message) || panels.take(message),
+  onMessage: message => device.take(message) || links.take(message) || panels.take(message),
   onState: tellConnection,
   introduction: () => frame.introduce(),
 });

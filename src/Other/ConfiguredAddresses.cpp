@@ -37,4 +37,8 @@ std::string ConfiguredAddresses::profilePage() {
   return addressNamed("ProfilePage");
 }
 
+std::string ConfiguredAddresses::composePage() {
+  return addressNamed("ComposePage");
+}
+
 }  // namespace quaverly

@@ -18,6 +18,8 @@ class ConfiguredAddresses {
   static std::string packageSource();
   /// The maker's page on the web for those without the application.
   static std::string profilePage();
+  /// Where a text is posted on the web; the escaped text follows it.
+  static std::string composePage();
 };
 
 }  // namespace quaverly

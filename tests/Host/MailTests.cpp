@@ -116,12 +116,25 @@ TEST_F(Mailer, IsGivenTheMailAndTheOptionsThatEveryMailerKnows) {
 
 TEST_F(Mailer, ThatRefusesBreaksOffOrHangsIsSaid) {
   EXPECT_THAT(mailer("exit 75").send("x").value_or(""), HasSubstr("status 75"));
-  EXPECT_THAT(mailer("kill -9 $$").send("x").value_or(""), HasSubstr("broke off"));
+  EXPECT_THAT(mailer("kill -9 $$").send("x").value_or(""), HasSubstr("broke off."));
   EXPECT_EQ(mailer("exit 0").send(std::string(3'000'000, 'x')), std::nullopt);
   const auto began = std::chrono::steady_clock::now();
   EXPECT_THAT(mailer("exec tail -f /dev/null").send("x", std::chrono::milliseconds(100)).value_or(""),
               HasSubstr("in time"));
   EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(20));
+}
+
+TEST_F(Mailer, IsSaidWithItsOwnWordsOnOneLine) {
+  const auto said = mailer("printf 'no\\nrelay\\377.\\n' >&2; exit 1").send("x").value_or("");
+  EXPECT_EQ(said, "The mailer refused the mail (status 1): no relay\uFFFD.");
+}
+
+TEST_F(Mailer, IsEndedWhenNobodyWaitsForItAnyMore) {
+  const auto hanging = mailer("exec tail -f /dev/null");
+  std::stop_source stop;
+  stop.request_stop();
+  EXPECT_THAT(hanging.send("x", std::chrono::minutes(10), stop.get_token()).value_or(""),
+              HasSubstr("in time"));
 }
 
 TEST_F(Mailer, ThatIsNoProgramIsNone) {

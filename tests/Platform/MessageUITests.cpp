@@ -30,16 +30,24 @@ class SomeDelegate : public NSObject, public MFMailComposeViewControllerDelegate
   std::vector<MFMailComposeResult> results;
 };
 
-TEST(MailComposer, TellsItsDelegateEveryOutcomeWhileThatIsThere) {
+TEST(MailComposer, TellsItsDelegateTheOutcomeOnceWhileThatIsThere) {
+  const auto delegate = make<SomeDelegate>();
+  using enum MFMailComposeResult;
+  for (const auto result : {cancelled, saved, sent, failed}) {
+    const auto composer = make<MFMailComposeViewController>();
+    composer->setMailComposeDelegate(delegate.get());
+    composer->finishWithResultError(result, nullptr);
+    composer->finishWithResultError(sent, nullptr);
+  }
+  EXPECT_EQ(delegate->results, (std::vector{cancelled, saved, sent, failed}));
+}
+
+TEST(MailComposer, HasNobodyToTellOnceItsDelegateIsGone) {
   const auto composer = make<MFMailComposeViewController>();
-  composer->finishWithResultError(MFMailComposeResult::sent, nullptr);
   auto delegate = make<SomeDelegate>();
   composer->setMailComposeDelegate(delegate.get());
-  using enum MFMailComposeResult;
-  for (const auto result : {cancelled, saved, sent, failed}) composer->finishWithResultError(result, nullptr);
-  EXPECT_EQ(delegate->results, (std::vector{cancelled, saved, sent, failed}));
   delegate = nullptr;
-  composer->finishWithResultError(sent, nullptr);
+  composer->finishWithResultError(MFMailComposeResult::sent, nullptr);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // The device's screens: what the host describes, as elements.
 
 import {Picker} from '../picker/picker.js';
+import {Mail} from '../sheets/mail.js';
+import {Share} from '../sheets/share.js';
 import {Button, Switch} from './button.js';
 import {Cell} from './cell.js';
 import {Edits} from './edits.js';
@@ -24,6 +26,8 @@ const kinds = {
   bar: Bar,
   wheel: Wheel,
   picker: Picker,
+  mail: Mail,
+  share: Share,
 };
 
 export class Device {

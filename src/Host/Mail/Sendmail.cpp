@@ -4,17 +4,21 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/eventfd.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <string_view>
 #include <utility>
+
+#include "Platform/Foundation/NSString.h"
 
 namespace quaverly::host {
 namespace {
@@ -50,12 +54,12 @@ bool writeAll(int descriptor, std::string_view text) {
 
 /// Starts the mailer with the mail as its input and nothing else of ours. Signals are as a program expects
 /// them. Returns 0 or an `errno` value.
-int start(const std::string& path, int input, pid_t& process) {
+int start(const std::string& path, int input, int complaints, pid_t& process) {
   posix_spawn_file_actions_t files;
   posix_spawn_file_actions_init(&files);
   posix_spawn_file_actions_adddup2(&files, input, STDIN_FILENO);
   posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_adddup2(&files, complaints, STDERR_FILENO);
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
   sigset_t signals;
@@ -72,19 +76,41 @@ int start(const std::string& path, int input, pid_t& process) {
   return error;
 }
 
-/// The mailer's end. One that takes too long is ended.
-std::optional<std::string> await(pid_t process, std::chrono::milliseconds within) {
+/// Waits for the mailer's end; whether it came in time.
+bool endsWithin(pid_t process, std::chrono::milliseconds within, const std::stop_token& stop) {
   const Descriptor ended(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
-  pollfd waiting{ended.number(), POLLIN, 0};
-  const bool isLate = ended.number() >= 0 && poll(&waiting, 1, static_cast<int>(within.count())) == 0;
+  const Descriptor stopped(eventfd(0, EFD_CLOEXEC));
+  const std::stop_callback wake(stop, [&] { eventfd_write(stopped.number(), 1); });
+  std::array<pollfd, 2> waiting = {pollfd{ended.number(), POLLIN, 0}, pollfd{stopped.number(), POLLIN, 0}};
+  while (poll(waiting.data(), waiting.size(), static_cast<int>(within.count())) < 0 && errno == EINTR)
+    continue;
+  return ended.number() < 0 || (waiting[0].revents & POLLIN) != 0;
+}
+
+/// What the mailer had to say, behind what is said of it: on one line.
+std::string complaintsIn(int descriptor) {
+  std::array<char, 400> text{};
+  const ssize_t count = pread(descriptor, text.data(), text.size(), 0);
+  std::string said =
+      NSStringWithReplacements({text.data(), static_cast<size_t>(std::max<ssize_t>(count, 0))});
+  std::ranges::replace_if(
+      said, [](unsigned char c) { return c < ' '; }, ' ');
+  while (said.ends_with(' ') || said.ends_with('.')) said.pop_back();
+  return said.empty() ? "." : ": " + said + ".";
+}
+
+/// The mailer's outcome. One that takes too long is ended.
+std::optional<std::string> await(pid_t process, std::chrono::milliseconds within, const std::stop_token& stop,
+                                 int complaints) {
+  const bool isLate = !endsWithin(process, within, stop);
   if (isLate) kill(process, SIGKILL);
   int status = 0;
   while (waitpid(process, &status, 0) < 0 && errno == EINTR) continue;
   if (isLate) return "The mailer did not answer in time. The mail may not have been sent.";
   if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return std::nullopt;
-  if (WIFEXITED(status))
-    return "The mailer refused the mail (status " + std::to_string(WEXITSTATUS(status)) + ").";
-  return "The mailer broke off.";
+  const std::string said = complaintsIn(complaints);
+  if (!WIFEXITED(status)) return "The mailer broke off" + said;
+  return "The mailer refused the mail (status " + std::to_string(WEXITSTATUS(status)) + ")" + said;
 }
 
 }  // namespace
@@ -104,16 +130,17 @@ std::optional<Sendmail> Sendmail::find(const std::string& searchPath) {
   return std::nullopt;
 }
 
-std::optional<std::string> Sendmail::send(const std::string& mimeText,
-                                          std::chrono::milliseconds within) const {
+std::optional<std::string> Sendmail::send(const std::string& mimeText, std::chrono::milliseconds within,
+                                          const std::stop_token& stop) const {
   // A file rather than a pipe: a mailer that reads nothing holds nobody.
   const Descriptor mail(memfd_create("mail", MFD_CLOEXEC));
   if (mail.number() < 0 || !writeAll(mail.number(), mimeText))
     return failure("There is no room for the mail");
+  const Descriptor complaints(memfd_create("complaints", MFD_CLOEXEC));
   pid_t process = 0;
-  errno = start(_path, mail.number(), process);
+  errno = start(_path, mail.number(), complaints.number(), process);
   if (errno != 0) return failure("The mailer cannot be started");
-  return await(process, within);
+  return await(process, within, stop, complaints.number());
 }
 
 }  // namespace quaverly::host

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <stop_token>
 #include <string>
 
 namespace quaverly::host {
@@ -18,9 +19,10 @@ class Sendmail {
   static std::optional<Sendmail> find(const std::string& searchPath);
 
   /// Hands a mail over, as MIME, to those whom its headers name. Returns why that failed, in a sentence, or
-  /// nothing. Blocks; any thread.
-  std::optional<std::string> send(const std::string& mimeText,
-                                  std::chrono::milliseconds within = limit) const;
+  /// nothing. A mailer that takes too long, or that nobody waits for any more once `stop` is requested, is
+  /// ended. Blocks; any thread.
+  std::optional<std::string> send(const std::string& mimeText, std::chrono::milliseconds within = limit,
+                                  const std::stop_token& stop = {}) const;
 
   const std::string& path() const { return _path; }
 

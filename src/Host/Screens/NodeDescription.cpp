@@ -2,7 +2,6 @@
 
 #include "Platform/UIKit/UIActivityIndicatorView.h"
 #include "Platform/UIKit/UIButton.h"
-#include "Platform/UIKit/UIImagePickerView.h"
 #include "Platform/UIKit/UIImageView.h"
 #include "Platform/UIKit/UILabel.h"
 #include "Platform/UIKit/UINavigationBar.h"
@@ -138,11 +137,6 @@ void describe(const UISwitch& control, Json& node) {
   if (!control.isEnabled()) node["disabled"] = true;
 }
 
-void describe(const UIImagePickerView& view, Json& node) {
-  node["kind"] = "picker";
-  node["editing"] = view.controller() && view.controller()->allowsEditing();
-}
-
 void describeKind(const UIView& view, ShownImages& images, Json& node) {
   node["kind"] = "view";
   if (const auto* label = dynamic_cast<const UILabel*>(&view)) return describe(*label, node);
@@ -154,7 +148,7 @@ void describeKind(const UIView& view, ShownImages& images, Json& node) {
   if (const auto* table = dynamic_cast<const UITableView*>(&view)) return describe(*table, node);
   if (const auto* bar = dynamic_cast<const UINavigationBar*>(&view)) return describe(*bar, images, node);
   if (const auto* wheel = dynamic_cast<const UIActivityIndicatorView*>(&view)) return describe(*wheel, node);
-  if (const auto* picker = dynamic_cast<const UIImagePickerView*>(&view)) return describe(*picker, node);
+  describeSheet(view, node);
 }
 
 }  // namespace

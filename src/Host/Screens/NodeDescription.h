@@ -18,6 +18,7 @@ Json describeNode(const UIView& view, ShownImages& images);
 
 /// What a view's kind adds, for `describeNode`.
 void describeLooks(const UIView& view, Json& node);
+void describeSheet(const UIView& view, Json& node);
 void describeAnimations(const UIView& view, Json& node);
 
 }  // namespace quaverly::screens

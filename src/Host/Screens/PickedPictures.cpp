@@ -1,8 +1,6 @@
 #include "Host/Screens/PickedPictures.h"
 
-#include <charconv>
-#include <optional>
-
+#include "Host/Screens/ReachableViews.h"
 #include "Host/Screens/ScreenEvents.h"
 #include "Platform/Foundation/NSOperationQueue.h"
 
@@ -10,16 +8,6 @@ namespace quaverly::screens {
 namespace {
 
 constexpr const char* path = "/picked";
-constexpr std::string_view nodeParameter = "node=";
-
-std::optional<uint64_t> nodeIn(std::string_view query) {
-  if (!query.starts_with(nodeParameter)) return std::nullopt;
-  query.remove_prefix(nodeParameter.size());
-  uint64_t node = 0;
-  const auto result = std::from_chars(query.data(), query.data() + query.size(), node);
-  return result.ec == std::errc() && result.ptr == query.data() + query.size() ? std::optional(node)
-                                                                               : std::nullopt;
-}
 
 NSOperationQueue& decoders() {
   static NSOperationQueue queue;

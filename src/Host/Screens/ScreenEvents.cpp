@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Host/Screens/ReachableViews.h"
 #include "Host/Screens/TreeDescription.h"
+#include "Platform/Social/SLComposeView.h"
 #include "Platform/UIKit/UIApplication.h"
 #include "Platform/UIKit/UIButton.h"
 #include "Platform/UIKit/UITextField.h"
@@ -27,29 +29,22 @@ std::optional<double> lengthIn(const Json& event, const char* key) {
   return std::isfinite(value) ? std::optional(std::clamp(value, -mostOffset, mostOffset)) : std::nullopt;
 }
 
-/// The view of that number that a person can reach: nothing hides it or takes its touches away.
-UIView* reachable(UIView& view, uint64_t identity) {
-  if (view.isHidden()) return nullptr;
-  if (view.identity() == identity) return &view;
-  for (const auto& subview : view.subviews()) {
-    if (auto* const found = reachable(*subview, identity))
-      return view.isUserInteractionEnabled() ? found : nullptr;
-  }
-  return nullptr;
+template <class View>
+Ref<View> viewOf(const Json& event) {
+  const auto node = numberIn(event, "node");
+  return node ? reachable<View>(*node) : nullptr;
 }
 
+/// What the person is done with, when it is a sheet of that kind.
 template <class View>
-Ref<View> reachableView(const Json& event) {
-  auto* const window = UIApplication::sharedApplication().keyWindow();
-  const auto node = numberIn(event, "node");
-  auto* const found = window && node ? reachable(*window, *node) : nullptr;
-  return Ref<View>(dynamic_cast<View*>(found));
+auto controllerOf(const Json& event) {
+  return reachableController<View>(numberIn(event, "node").value_or(0));
 }
 
 }  // namespace
 
 void ScreenEvents::tap(const Json& event) const {
-  const auto view = reachableView<UIView>(event);
+  const auto view = viewOf<UIView>(event);
   if (auto* const button = dynamic_cast<UIButton*>(view.get())) {
     button->sendActionsForControlEvents(UIControlEvents::TouchUpInside);
   } else if (auto* const control = dynamic_cast<UISwitch*>(view.get())) {
@@ -60,7 +55,7 @@ void ScreenEvents::tap(const Json& event) const {
 }
 
 void ScreenEvents::scroll(const Json& event) const {
-  const auto table = reachableView<UITableView>(event);
+  const auto table = viewOf<UITableView>(event);
   const auto x = lengthIn(event, "x");
   const auto y = lengthIn(event, "y");
   const auto moved = numberIn(event, "moved");
@@ -72,7 +67,7 @@ std::optional<uint64_t> ScreenEvents::edit(const std::string& client, const Json
   const auto node = numberIn(event, "node");
   const auto text = event.find("text");
   if (!sequence || !node || text == event.end() || !text->is_string()) return std::nullopt;
-  const auto field = reachableView<UITextField>(event);
+  const auto field = viewOf<UITextField>(event);
   if (!field) return sequence;
   uint64_t& last = _sequences[client][*node];
   if (*sequence <= last) return sequence;
@@ -96,14 +91,19 @@ void ScreenEvents::changeScreen(const Json& event) const {
                                                    UIInterfaceOrientation{static_cast<int>(*orientation)});
 }
 
-void ScreenEvents::cancelPicker(const Json& event) const {
-  const auto node = numberIn(event, "node");
-  if (const auto picker = node ? pickerOfNode(*node) : nullptr) picker->cancel();
+void ScreenEvents::cancel(const Json& event) const {
+  if (const auto picker = controllerOf<UIImagePickerView>(event)) picker->cancel();
+  if (const auto sheet = controllerOf<SLComposeView>(event))
+    sheet->finishWithResult(SLComposeViewControllerResult::Cancelled);
+}
+
+void ScreenEvents::finish(const Json& event) const {
+  if (const auto sheet = controllerOf<SLComposeView>(event))
+    sheet->finishWithResult(SLComposeViewControllerResult::Done);
 }
 
 Ref<UIImagePickerController> ScreenEvents::pickerOfNode(uint64_t node) {
-  const auto view = reachableView<UIImagePickerView>(Json{{"node", node}});
-  return Ref<UIImagePickerController>(view ? view->controller() : nullptr);
+  return reachableController<UIImagePickerView>(node);
 }
 
 }  // namespace quaverly::screens

@@ -21,7 +21,9 @@ class ScreenEvents {
 
   void tap(const Json& event) const;
   void scroll(const Json& event) const;
-  void cancelPicker(const Json& event) const;
+  /// The person closed a picker or a share sheet, or is done with what the sheet was for.
+  void cancel(const Json& event) const;
+  void finish(const Json& event) const;
   void changeScreen(const Json& event) const;
   /// The sequence number to acknowledge; nothing for what is no edit. An edit that is not newer than the last
   /// one from this client for this field is acknowledged, too, and changes nothing.

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <chrono>
 
+#include "Other/ConfiguredAddresses.h"
 #include "Platform/Device/Device.h"
+#include "Platform/Social/SLComposeViewController.h"
 #include "Platform/UIKit/UIApplication.h"
 #include "Platform/UIKit/UIScreen.h"
 #include "Platform/UIKit/UIViewController.h"
@@ -42,7 +44,10 @@ Screens::Screens(page::PageRoutes& routes, Ref<UIViewController> root)
     : _fonts(routes),
       _images(routes),
       _pictures(routes),
+      _mails(routes, host::Sendmail::find(host::processEnvironment("PATH").value_or(""))),
+      _links([this](const std::string& address) { showPage(address); }),
       _window(make<UIWindow>(UIScreen::mainScreen().bounds())) {
+  SLComposeViewController::setComposeAddress(ConfiguredAddresses::composePage());
   _window->makeKeyAndVisible();
   _window->setRootViewController(std::move(root));
   CATransaction::setCommit([this] { update(); });
@@ -67,6 +72,7 @@ void Screens::received(page::PageConnection& page, std::string_view text) {
 
 void Screens::disconnected(page::PageConnection& page) {
   _pages.erase(&page);
+  if (_actor == &page) _actor = nullptr;
 }
 
 void Screens::greet(page::PageConnection& page, const Json& hello) {
@@ -83,11 +89,29 @@ void Screens::greet(page::PageConnection& page, const Json& hello) {
 }
 
 void Screens::act(page::PageConnection& page, const std::string& type, const Json& event) {
+  _actor = &page;
   if (type == "tap") return _events.tap(event);
   if (type == "edit") return acknowledge(page, event);
   if (type == "scroll") return _events.scroll(event);
   if (type == "screen") return _events.changeScreen(event);
-  if (type == "cancel") return _events.cancelPicker(event);
+  if (type == "cancel" || type == "finish") return endSheet(type, event);
+}
+
+void Screens::endSheet(const std::string& type, const Json& event) {
+  const auto found = event.find("node");
+  const uint64_t node = found != event.end() && found->is_number_unsigned() ? found->get<uint64_t>() : 0;
+  if (type == "cancel") {
+    _events.cancel(event);
+    _mails.cancel(node);
+  } else {
+    _events.finish(event);
+    _mails.finish(node);
+  }
+}
+
+/// Only the browser of the person who followed a link opens it.
+void Screens::showPage(const std::string& address) const {
+  if (_actor) _actor->send(Json{{"type", "open"}, {"url", address}}.dump());
 }
 
 /// After what the edit changed, so that a page which has no newer edit may take the field's text as it is.

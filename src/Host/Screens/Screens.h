@@ -6,8 +6,10 @@
 
 #include "Host/Page/PageDelegate.h"
 #include "Host/Page/PageRoutes.h"
+#include "Host/Screens/MailSheets.h"
 #include "Host/Screens/PickedPictures.h"
 #include "Host/Screens/ScreenEvents.h"
+#include "Host/Screens/ScreenLinks.h"
 #include "Host/Screens/ShownFonts.h"
 #include "Host/Screens/ShownImages.h"
 #include "Host/Screens/TreeDescription.h"
@@ -36,6 +38,8 @@ class Screens : public page::PageDelegate {
   void greet(page::PageConnection& page, const Json& hello);
   void act(page::PageConnection& page, const std::string& type, const Json& event);
   void acknowledge(page::PageConnection& page, const Json& event);
+  void endSheet(const std::string& type, const Json& event);
+  void showPage(const std::string& address) const;
   void update();
   void tellEverybody(const std::string& message) const;
   std::string wholeTree() const;
@@ -44,12 +48,15 @@ class Screens : public page::PageDelegate {
   ShownFonts _fonts;
   ShownImages _images;
   PickedPictures _pictures;
+  MailSheets _mails;
+  ScreenLinks _links;
   ScreenEvents _events;
   Ref<UIWindow> _window;
   NodeTexts _nodes;
   std::string _screen;                                  // the screen's fields as they were last told
   std::map<page::PageConnection*, std::string> _pages;  // and the clients that they are
   std::vector<std::string> _clients;                    // in the order in which they came
+  page::PageConnection* _actor = nullptr;               // the page that did something last
 };
 
 }  // namespace quaverly::screens

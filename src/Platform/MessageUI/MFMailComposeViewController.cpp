@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "Platform/MessageUI/MFMailComposeView.h"
+#include "Platform/UIKit/UIScreen.h"
+
 namespace quaverly {
 namespace {
 
@@ -11,6 +14,10 @@ const MFMailService* service = nullptr;
 
 bool MFMailComposeViewController::canSendMail() {
   return service && service->canSendMail();
+}
+
+bool MFMailComposeViewController::canSendAtOnce() {
+  return service && service->canSendAtOnce();
 }
 
 void MFMailComposeViewController::registerService(const MFMailService* newService) {
@@ -33,8 +40,13 @@ void MFMailComposeViewController::addAttachmentDataMimeTypeFileName(std::optiona
   if (data) _attachments.push_back({std::move(*data), std::move(mimeType), std::move(fileName)});
 }
 
+void MFMailComposeViewController::loadView() {
+  setView(make<MFMailComposeView>(UIScreen::mainScreen().bounds(), *this));
+}
+
 void MFMailComposeViewController::finishWithResultError(MFMailComposeResult result,
                                                         const Ref<NSError>& error) {
+  if (std::exchange(_done, true)) return;
   const Ref<MFMailComposeViewController> self(this);  // the delegate may let go of it
   if (auto* delegate = _delegate.get())
     delegate->mailComposeControllerDidFinishWithResultError(*this, result, error);

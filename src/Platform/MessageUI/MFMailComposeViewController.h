@@ -16,6 +16,11 @@ class MFMailComposeViewController;
 /// What became of a mail. The numbers are the framework's own.
 enum class MFMailComposeResult { cancelled = 0, saved = 1, sent = 2, failed = 3 };
 
+/// Why a mail failed.
+inline constexpr const char* MFMailComposeErrorDomain = "MFMailComposeErrorDomain";
+inline constexpr int MFMailComposeErrorCodeSaveFailed = 0;
+inline constexpr int MFMailComposeErrorCodeSendFailed = 1;
+
 /// Hears when the person is done with a mail.
 class MFMailComposeViewControllerDelegate {
  public:
@@ -30,6 +35,8 @@ class MFMailService {
  public:
   virtual ~MFMailService() = default;
   virtual bool canSendMail() const = 0;
+  /// Whether a mail can leave from here; otherwise it can only be kept as a draft.
+  virtual bool canSendAtOnce() const { return canSendMail(); }
 };
 
 /// The screen on which a person finishes a mail and sends it. Main thread only.
@@ -43,6 +50,7 @@ class MFMailComposeViewController : public UIViewController {
 
   /// Without a service no mail can be sent.
   static bool canSendMail();
+  static bool canSendAtOnce();
   /// The service must outlive its registration; null takes it away.
   static void registerService(const MFMailService* service);
 
@@ -69,7 +77,9 @@ class MFMailComposeViewController : public UIViewController {
   void addAttachmentDataMimeTypeFileName(std::optional<NSData> data, std::string mimeType,
                                          std::string fileName);
 
-  /// For the host: tells the delegate what became of the mail.
+  void loadView() override;
+
+  /// For the host: tells the delegate what became of the mail. Once; what comes after does nothing.
   void finishWithResultError(MFMailComposeResult result, const Ref<NSError>& error);
 
  private:
@@ -79,6 +89,7 @@ class MFMailComposeViewController : public UIViewController {
   std::string _messageBody;
   bool _messageBodyIsHTML = false;
   std::vector<Attachment> _attachments;
+  bool _done = false;
 };
 
 }  // namespace quaverly
