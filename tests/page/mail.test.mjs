@@ -152,6 +152,19 @@ test('A mailer that hangs holds neither the sheet nor the program', async () => 
   assert.ok(Date.now() - began < 20_000);
 });
 
+test('What was written is still there when the device was turned', async () => {
+  installRecorder(program);
+  await openMail(desk);
+  await page.keyboard.type('Still here');
+  await page.getByRole('button', {name: 'Turn'}).click();
+  await page.waitForFunction(() => document.getElementById('screen').clientWidth === 667);
+  await phone.still();
+  await keepShot(page, 'mail-turned');
+  assert.match(await editor().innerText(), /Still here/);
+  assert.ok(await button('Send').isVisible());
+  assert.ok(await button('Save draft').isVisible());
+});
+
 test('An address that is none is said', async () => {
   const sent = installRecorder(program);
   expected = ['422'];

@@ -1,5 +1,7 @@
 // The share sheet and the links of the first pane: what opens, where, and what the new tab knows of the page.
 import assert from 'node:assert/strict';
+import fs from 'node:fs';
+import path from 'node:path';
 import {after, afterEach, before, beforeEach, test} from 'node:test';
 import {accessibilityProblems, keepShot, launch, openWindow, phone as phoneSize} from './support/browser.mjs';
 import {FakeHost} from './support/fakeHost.mjs';
@@ -99,6 +101,28 @@ for (const [row, address] of [
     assert.equal(await tabOf(() => page.keyboard.press('Enter')), address);
   });
 }
+
+test('With the application there, following opens it instead of the web', async () => {
+  await page.context().close();
+  await program.end();
+  program = new Program();
+  const opened = path.join(program.home, 'opened');
+  const bin = path.join(program.home, 'bin');
+  const applications = path.join(program.home, '.local/share/applications');
+  for (const folder of [bin, applications]) fs.mkdirSync(folder, {recursive: true});
+  fs.writeFileSync(path.join(bin, 'xdg-open'), `#!/bin/sh\nprintf '%s\\n' "$@" > '${opened}.new' && mv '${opened}.new' '${opened}'\n`, {mode: 0o755});
+  fs.writeFileSync(path.join(applications, 'bird.desktop'), '[Desktop Entry]\n');
+  fs.writeFileSync(path.join(applications, 'mimeapps.list'), '[Default Applications]\nx-scheme-handler/twitter=bird.desktop\n');
+  Object.assign(program.environment, {DISPLAY: ':0', PATH: `${bin}:${process.env.PATH}`});
+  await program.serve();
+  page = await openWindow(browser, phoneSize);
+  await page.goto(program.address);
+  phone = new Phone(page);
+  await phone.row('Follow on Twitter').click();
+  while (!fs.existsSync(opened)) await phone.frame();
+  assert.equal(fs.readFileSync(opened, 'utf8'), 'twitter:///user?screen_name=Tolmarin\n');
+  assert.equal(page.context().pages().length, 1);
+});
 
 test('A page that may not open a tab offers the link instead', async () => {
   host = await FakeHost.start();
