@@ -38,7 +38,7 @@ PageAnswer said(int status, std::string_view sentence) {
   PageAnswer answer;
   answer.status = status;
   answer.contentType = "text/plain; charset=utf-8";
-  answer.body = NSData(host::HostWords::current().translated(sentence));
+  answer.body = NSData(host::inUsersLanguage(sentence));
   return answer;
 }
 

@@ -1,5 +1,6 @@
 #include "Host/Screens/PickedPictures.h"
 
+#include "Host/Environment/HostWords.h"
 #include "Host/Screens/ReachableViews.h"
 #include "Host/Screens/ScreenEvents.h"
 #include "Platform/Foundation/NSOperationQueue.h"
@@ -18,7 +19,7 @@ page::PageAnswer refusal(int status, std::string_view sentence) {
   page::PageAnswer answer;
   answer.status = status;
   answer.contentType = "text/plain; charset=utf-8";
-  answer.body = NSData(sentence);
+  answer.body = NSData(host::inUsersLanguage(sentence));
   return answer;
 }
 
