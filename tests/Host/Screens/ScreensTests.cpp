@@ -397,6 +397,17 @@ TEST_F(PickingTest, NobodyElseWaitsForAPicture) {
     EXPECT_EQ(ask(PageMethod::post, "/picked", wrong, png(100)).status, 409) << wrong;
 }
 
+TEST_F(PickingTest, WhatIsReadOutAndWhatWentWrongIsInTheUsersLanguage) {
+  Device::current().systemWords = [](std::string_view english) { return "<" + std::string(english) + ">"; };
+  const auto answer = ask(PageMethod::post, "/picked", query(), "no picture");
+  EXPECT_THAT(std::string(answer.body.text()), testing::MatchesRegex("<This is no picture .*>"));
+  const auto named = make<UIView>();
+  named->setAccessibilityLabel("Year");
+  Json node;
+  screens::describeLooks(*named, node);
+  EXPECT_EQ(node["name"], "<Year>");
+}
+
 TEST_F(PickingTest, CancellingTakesThePickerAway) {
   say({{"type", "cancel"}, {"node", picker}});
   EXPECT_EQ(page.find("kind", "picker"), 0U);
