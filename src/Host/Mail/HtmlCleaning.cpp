@@ -12,12 +12,11 @@
 namespace quaverly::host {
 namespace {
 
-constexpr std::array<std::string_view, 39> elements = {
+constexpr std::array<std::string_view, 40> elements = {
     "a",   "b",     "blockquote", "br", "caption", "code", "dd",    "del",  "div",    "dl",
     "dt",  "em",    "h1",         "h2", "h3",      "h4",   "h5",    "h6",   "hr",     "i",
     "ins", "li",    "ol",         "p",  "pre",     "s",    "small", "span", "strong", "sub",
-    "sup", "table", "tbody",      "td", "tfoot",   "th",   "thead", "tr",   "u"};
-constexpr std::array<std::string_view, 1> moreElements = {"ul"};
+    "sup", "table", "tbody",      "td", "tfoot",   "th",   "thead", "tr",   "u",      "ul"};
 constexpr std::array<std::string_view, 2> emptyElements = {"br", "hr"};
 
 /// What is in them is no text for the reader.
@@ -77,8 +76,7 @@ class Writer {
   void writeElement(const xmlNode& node, std::string_view name) {
     if (name == "style") return writeStyle(node);
     if (contains(droppedWhole, name)) return;
-    const bool isKept = contains(elements, name) || contains(moreElements, name);
-    if (!isKept) return writeChildren(node);
+    if (!contains(elements, name)) return writeChildren(node);
     text.append("<").append(name);
     writeAttributes(node, name);
     text += '>';

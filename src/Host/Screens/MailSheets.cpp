@@ -1,6 +1,7 @@
 #include "Host/Screens/MailSheets.h"
 
 #include <charconv>
+#include <functional>
 
 #include "Host/Environment/HostWords.h"
 #include "Host/Mail/HtmlCleaning.h"
