@@ -65,7 +65,11 @@ NSPlainValue::NSPlainValue(NSPlainValue&&) noexcept = default;
 NSPlainValue& NSPlainValue::operator=(const NSPlainValue&) = default;
 NSPlainValue& NSPlainValue::operator=(NSPlainValue&&) noexcept = default;
 NSPlainValue::~NSPlainValue() = default;
-bool NSPlainValue::operator==(const NSPlainValue& other) const = default;
+
+// Written out: a value may hold values, and clang does not come to the end of a defaulted one.
+bool NSPlainValue::operator==(const NSPlainValue& other) const {
+  return _content == other._content;
+}
 
 bool NSPlainValue::boolValue() const {
   if (const bool* value = boolean()) return *value;
