@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 namespace quaverly::tags {
 namespace {
@@ -14,18 +13,13 @@ bool isIdCharacter(uint8_t byte) {
 }  // namespace
 
 size_t resynchronise(std::span<uint8_t> bytes) {
-  uint8_t* out = bytes.data();
-  const uint8_t* in = bytes.data();
-  const uint8_t* const end = in + bytes.size();
-  while (in < end) {
-    const auto* mark = static_cast<const uint8_t*>(std::memchr(in, 0xff, static_cast<size_t>(end - in)));
-    const auto* stop = mark ? mark + 1 : end;
-    std::memmove(out, in, static_cast<size_t>(stop - in));
-    out += stop - in;
-    in = stop;
-    if (mark && in < end && *in == 0) ++in;
+  size_t length = 0;
+  for (size_t i = 0; i < bytes.size(); ++i) {
+    const uint8_t byte = bytes[i];
+    bytes[length++] = byte;
+    if (byte == 0xff && i + 1 < bytes.size() && bytes[i + 1] == 0) ++i;
   }
-  return static_cast<size_t>(out - bytes.data());
+  return length;
 }
 
 ID3v2Frames::ID3v2Frames(const ID3v2Header& header, LazyBytes& tag) : _tag(tag), _version(header.version) {
@@ -123,7 +117,7 @@ std::optional<ID3v2Frame> ID3v2Frames::next() {
 /// Stricter than what is asked of a frame behind an intact one, because pictures hold every sequence of
 /// bytes.
 bool ID3v2Frames::isPlausible() const {
-  if (idLengthAt(_rest) != idLength() || hasUndefinedFlags()) return false;
+  if (hasUndefinedFlags() || idLengthAt(_rest) != idLength()) return false;
   const auto size = bodyLength();
   return size && *size > 0 && endsPlausibly(*size);
 }
@@ -135,9 +129,16 @@ bool ID3v2Frames::hasUndefinedFlags() const {
 }
 
 void ID3v2Frames::skipToPlausible() {
+  constexpr size_t stretch = 16384;  // what is searched is loaded in pieces, not asked for at every byte
+  size_t loaded = 0;
   do {
     _rest = _rest.subspan(1);
-    loadHeader(_rest);
+    if (loaded <= headerLength()) {
+      loaded = std::min(stretch, _rest.size());
+      _tag.load(_rest.first(loaded));
+    } else {
+      --loaded;
+    }
   } while (_rest.size() >= headerLength() && !isPlausible());
 }
 
