@@ -19,6 +19,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr size_t pieceSize = 256 * 1024;
+/// Is written as it is: copying it would cost more than another call.
+constexpr size_t largePieceSize = 64 * 1024;
 constexpr const char* ending = ".part";
 
 std::string partsFolder(const std::string& libraryFolder) {
@@ -84,14 +86,13 @@ MaybeFailure PartFile::reserve(uint64_t length) {
 }
 
 MaybeFailure PartFile::append(std::span<const std::byte> bytes) {
-  if (_pending.size() + bytes.size() <= pieceSize) {
-    _pending.insert(_pending.end(), bytes.begin(), bytes.end());
-    return std::nullopt;
+  const bool isLarge = bytes.size() >= largePieceSize;
+  if (isLarge || _pending.size() + bytes.size() > pieceSize) {
+    if (auto failure = write(_pending)) return failure;
+    _pending.clear();
   }
-  if (auto failure = write(_pending)) return failure;
-  _pending.clear();
-  if (bytes.size() >= pieceSize) return write(bytes);
-  _pending.assign(bytes.begin(), bytes.end());
+  if (isLarge) return write(bytes);
+  _pending.insert(_pending.end(), bytes.begin(), bytes.end());
   return std::nullopt;
 }
 

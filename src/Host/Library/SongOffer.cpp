@@ -37,7 +37,7 @@ Result<SongOffer> offerSong(const std::string& sourcePath, const SongTags& wante
   if (!file) return Failure{"The file holds no audio that can be imported."};
   const auto audio = audioHash(source.get(), *file);
   // The audio of MPEG is all that is taken over, and needs to be read only once.
-  const auto content = file->kind == AudioKind::mpeg ? audio : hashOfFile(source.get());
+  const auto content = file->kind == AudioKind::mpeg ? audio : contentOf(source.get(), *file);
   if (!audio || !content) return unreadable(EIO);
   SongOffer offer{.source = std::move(source),
                   .sourcePath = sourcePath,
@@ -56,6 +56,14 @@ Result<SongOffer> offerSong(const std::string& sourcePath, const SongTags& wante
   if (!offer.rewritten) return unreadable(EIO);
   offer.after = offer.rewritten->tags;
   return offer;
+}
+
+std::optional<ContentHash> contentOf(int descriptor, const SongFile& file) {
+  return file.kind == AudioKind::mpeg ? audioHash(descriptor, file) : hashOfFile(descriptor);
+}
+
+Failure sourceChanged() {
+  return {"The file changed while it was being imported. Try again."};
 }
 
 }  // namespace quaverly::library

@@ -27,4 +27,10 @@ struct SongOffer {
 Result<SongOffer> offerSong(const std::string& sourcePath, const SongTags& wanted,
                             const ArtworkChange& artwork);
 
+/// The hash of what is taken over of a file, as `SongOffer::content` has it; nothing when it cannot be read.
+std::optional<ContentHash> contentOf(int descriptor, const SongFile& file);
+
+/// What is said of a source that is no longer what was offered.
+Failure sourceChanged();
+
 }  // namespace quaverly::library

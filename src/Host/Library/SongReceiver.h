@@ -6,7 +6,6 @@
 #include <span>
 #include <stop_token>
 
-#include "Host/Library/ContentHasher.h"
 #include "Host/Library/DownloadObserver.h"
 #include "Host/Library/Fetch.h"
 #include "Host/Library/PartFile.h"
@@ -26,7 +25,8 @@ class SongReceiver : public BodyReceiver {
   MaybeFailure begin();
   bool receive(std::span<const std::byte> bytes) override;
   bool goesOn(uint64_t received, uint64_t announced) override;
-  /// Once all has come: checks that it is what was offered, and writes what stands behind the audio.
+  /// Once all has come: checks that it is as long as what was offered, and writes what stands behind the
+  /// audio.
   MaybeFailure end();
 
   /// Why the receiver gave the fetch up, when the disk was the reason.
@@ -40,7 +40,6 @@ class SongReceiver : public BodyReceiver {
   PartFile& _part;
   OnProgress _onProgress;
   std::stop_token _stop;
-  ContentHasher _hasher;
   uint64_t _received = 0;
   std::chrono::steady_clock::time_point _began;
   std::chrono::steady_clock::time_point _told;

@@ -6,7 +6,8 @@
 
 namespace quaverly::library {
 
-/// Writes the wanted tags into a stored song whose kind is tagged in place; MPEG audio has them already.
+/// Writes the wanted tags into a stored song whose kind is tagged in place, once it proved to be what was
+/// offered; MPEG audio has them already.
 MaybeFailure tagStored(PartFile& part, const SongOffer& offer);
 
 /// Reads a stored song back: the same kind of audio, the same audio, and the tags that were planned.

@@ -334,7 +334,7 @@ TEST_F(DownloadServiceTest, WhatDoesNotArriveAsItWasOfferedIsNeverFiled) {
          song[5000] = static_cast<char>(song[5000] ^ 1);
          return TestPeer::ok(song);
        },
-       "changed while"},
+       "stored differs"},
       {"text", [](auto&) { return TestPeer::ok("<html>nothing here</html>"); }, "changed while"},
       {"refusal", [](auto&) { return "HTTP/1.1 501 Not Implemented\r\nContent-Length: 0\r\n\r\n"; },
        "status 501"},
@@ -346,6 +346,25 @@ TEST_F(DownloadServiceTest, WhatDoesNotArriveAsItWasOfferedIsNeverFiled) {
     const auto record = under.import(ServiceUnderTest::download({path, someTags}, peer.url("")));
     EXPECT_EQ(record.state, DownloadState::failed) << name;
     EXPECT_THAT(record.reason, HasSubstr(reason)) << name;
+    EXPECT_THAT(under.allFiles(), IsEmpty()) << name;
+  }
+}
+
+TEST_F(DownloadServiceTest, ASourceThatChangesBetweenMeasuringAndSendingIsNeverFiled) {
+  const auto flac = quaverly::test::encode(under.device().temporary(), "made.flac", {"title=Old"});
+  const std::pair<std::string, std::string> songs[] = {{"song.mp3", songBytes(1)},
+                                                       {"song.flac", contentsOf(flac)}};
+  for (const auto& [name, song] : songs) {
+    const auto path = media(name, song);
+    auto changed = song;
+    changed[song.size() - 500] = static_cast<char>(changed[song.size() - 500] ^ 1);
+    TestPeer peer([&](const std::string&) {
+      media(name, changed);
+      return TestPeer::ok(changed);
+    });
+    const auto record = under.import(ServiceUnderTest::download({path, someTags}, peer.url("")));
+    EXPECT_EQ(record.state, DownloadState::failed) << name;
+    EXPECT_EQ(record.reason, "The file changed while it was being imported. Try again.") << name;
     EXPECT_THAT(under.allFiles(), IsEmpty()) << name;
   }
 }
