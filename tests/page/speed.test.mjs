@@ -6,7 +6,7 @@ import {after, afterEach, before, beforeEach, test} from 'node:test';
 import {desk, launch} from './support/browser.mjs';
 import {Phone} from './support/phone.mjs';
 import {noisyPhotograph} from './support/pictures.mjs';
-import {Program, lantern} from './support/program.mjs';
+import {Program, lantern, roofs} from './support/program.mjs';
 
 let browser, program, phone;
 
@@ -92,4 +92,21 @@ test('A cover of nine million pixels is seen soon after the tap', async t => {
   });
   t.diagnostic(`from tap to the cover and its blurred backdrop: ${elapsed.toFixed(0)} ms`);
   assert.ok(elapsed < 5000);
+});
+
+test('An idle program that has imported songs stays below 40 MiB', async t => {
+  const songs = {'lantern.mp3': 'Lantern Walk', 'Über den Dächern.mp3': 'Über den Dächern'};
+  for (const song of [lantern, roofs]) program.copy(song);
+  await open();
+  for (const [file, title] of Object.entries(songs)) {
+    await phone.openSong(file, title);
+    while ((await phone.pictures()).length < 2) await phone.frame();
+    await phone.button('Import').click();
+    await phone.field('Title').waitFor({state: 'hidden'});
+  }
+  while (program.songs().length < 2) await phone.frame();
+  await phone.still();
+  const resident = program.residentMemory();
+  t.diagnostic(`resident: ${resident.toFixed(1)} MiB`);
+  assert.ok(resident < 40);
 });

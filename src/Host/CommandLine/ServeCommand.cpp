@@ -6,6 +6,7 @@
 #include "Host/CommandLine/ServiceRegistration.h"
 #include "Host/Environment/BrowserStart.h"
 #include "Host/Environment/InterruptWatch.h"
+#include "Host/Environment/ProcessLimits.h"
 #include "Host/Instances/ServingInstance.h"
 #include "Host/Library/DataLock.h"
 #include "Host/Screens/Screens.h"
@@ -57,6 +58,7 @@ void announce(const Console& console, const std::string& address) {
 }  // namespace
 
 ExitStatus runServe(Console& console, const CommonOptions& common, const ServeOptions& options) {
+  host::returnLargeMemoryAtOnce();
   HostDevice device(common);
   ServeSession* running = nullptr;
   const host::InterruptWatch watch([&running] {

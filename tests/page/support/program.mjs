@@ -85,6 +85,12 @@ export class Program {
     fs.rmSync(this.home, {recursive: true, force: true});
   }
 
+  /** In MiB. */
+  residentMemory() {
+    const status = fs.readFileSync(`/proc/${this.process.pid}/status`, 'utf8');
+    return Number(/VmRSS:\s+(\d+) kB/.exec(status)[1]) / 1024;
+  }
+
   /** What a player would find in the library. */
   songs() {
     const found = folder =>
