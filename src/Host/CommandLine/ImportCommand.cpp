@@ -4,6 +4,7 @@
 #include "Host/Environment/InterruptWatch.h"
 #include "Host/Instances/ServingInstance.h"
 #include "Host/Library/DownloadService.h"
+#include "Platform/Foundation/NSRunLoop.h"
 
 namespace quaverly::commandline {
 namespace {
@@ -29,6 +30,7 @@ ExitStatus planAll(const ImportOptions& options, HostDevice& device, SongHandOve
     } else {
       report.planned(file, (*planner)->outcomes().back());
     }
+    NSRunLoop::mainRunLoop().runOnce();  // completes the download, which nobody else would let go
   }
   return statusOf(report);
 }

@@ -67,7 +67,8 @@ void MessageSender::send(OneWayCall call) {
 void MessageSender::finish() {
   std::unique_lock lock(_state->mutex);
   if (_state->waiting.empty()) return;
-  _state->changed.wait_until(lock, _state->waiting.back().deadline, [this] { return !_state->runs; });
+  const auto deadline = _state->waiting.back().deadline;  // the message itself goes meanwhile
+  _state->changed.wait_until(lock, deadline, [this] { return !_state->runs; });
 }
 
 }  // namespace quaverly

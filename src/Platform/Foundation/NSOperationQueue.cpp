@@ -84,6 +84,7 @@ NSOperationQueue::NSOperationQueue(std::unique_ptr<Workers> workers) : _workers(
 
 NSOperationQueue::NSOperationQueue() : NSOperationQueue(std::make_unique<Workers>()) {
   // Blocks use these to their end, which for a queue that lives as long as the program is its own.
+  mainQueue();
   NSRunLoop::mainRunLoop();
   Device::current();
 }
