@@ -124,6 +124,19 @@ TEST_F(EnginesPane, ADamagedFileStillMakesAGroupWithEmptyRows) {
   }
 }
 
+TEST_F(EnginesPane, ValuesAreThoseOfTheFileWhateverTheirKind) {
+  _engines.write(".qvsc", R"({"title": 7, "engine": ["a"], "version": 2, "developer": null, "enabled": 1})");
+  const auto opened = pane();
+  const auto rows = *opened->specifiers();
+  ASSERT_THAT(rows, SizeIs(5));
+  EXPECT_EQ(rows[0]->name(), "7");
+  EXPECT_EQ(rows[1]->performGetter(), NSPlainValue(NSArray{"a"}));
+  EXPECT_EQ(rows[2]->performGetter(), NSPlainValue(NSNumber("2")));
+  EXPECT_TRUE(rows[3]->performGetter().isNull());
+  EXPECT_EQ(rows[4]->performGetter(), NSPlainValue(NSNumber("1")));
+  EXPECT_TRUE(rows[4]->performGetter().boolValue());
+}
+
 TEST_F(EnginesPane, AFolderNamedLikeAnEngineIsADamagedOne) {
   _engines.makeFolder("folder.qvsc");
   EXPECT_THAT(*pane()->specifiers(), SizeIs(5));
@@ -185,9 +198,14 @@ TEST_F(EnginesPane, AFileThatCannotBeReadStaysAsItIsAndTheMessageStillGoes) {
   EXPECT_THAT(bus.calls(), SizeIs(1));
 }
 
-TEST_F(EnginesPane, AFolderThatCannotBeWrittenLeavesTheFileAndSaysWhyInTheLog) {
+TEST_F(EnginesPane, AFolderThatCannotBeWrittenLeavesTheFileAndSaysWhyBeforeTheMessageGoes) {
+  test::PrivateBus bus;
+  _device->messageBusAddress = bus.address();
   std::vector<std::string> log;
-  setLogSink([&](std::string_view line) { log.emplace_back(line); });
+  setLogSink([&](std::string_view line) {
+    log.emplace_back(line);
+    EXPECT_THAT(bus.calls(), IsEmpty());
+  });
   _engines.write("one.qvsc", engine);
   _device->mounts.mount(std::string(_device.bundlePath) + "/engines", _engines.path(),
                         MountTable::Access::readOnly);
@@ -195,6 +213,7 @@ TEST_F(EnginesPane, AFolderThatCannotBeWrittenLeavesTheFileAndSaysWhyInTheLog) {
   EXPECT_EQ(contents("one.qvsc"), engine);
   EXPECT_EQ(switchOf(*pane())->performGetter(), NSPlainValue(true));
   EXPECT_THAT(log, ElementsAre(testing::HasSubstr("engines/one.qvsc")));
+  EXPECT_THAT(bus.calls(), SizeIs(1));
 }
 
 TEST_F(EnginesPane, WithoutTheMessagingClassNothingIsSentAndTheFileIsWritten) {

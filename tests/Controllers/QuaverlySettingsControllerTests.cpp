@@ -5,6 +5,7 @@
 
 #include "Cells/QVTitleCell.h"
 #include "Controllers/ContactMeViewController.h"
+#include "Cores/CachesCore.h"
 #include "Platform/Foundation/NSLog.h"
 #include "Platform/Foundation/NSString.h"
 #include "Platform/Social/SLComposeViewController.h"
@@ -79,6 +80,26 @@ TEST_F(RootPane, ItsButtonsDoWhatTheySay) {
                           "https://repo.tolmarin.example/"));
 }
 
+TEST_F(RootPane, ItsBarShowsTheHeartAndTheMakersIcon) {
+  const auto& heart = _pane->navigationItem()->rightBarButtonItem();
+  EXPECT_EQ(heart->style(), UIBarButtonItemStyle::Plain);
+  EXPECT_TRUE(heart->image());
+  EXPECT_EQ(heart->image(), CachesCore::cachedImageWithContentsOfFileName("heart_icon"));
+  const auto* title = dynamic_cast<const UIImageView*>(_pane->navigationItem()->titleView().get());
+  ASSERT_TRUE(title);
+  EXPECT_TRUE(title->image());
+  EXPECT_EQ(title->image(), CachesCore::cachedImageWithContentsOfFileName("tolmarin_icon"));
+}
+
+TEST_F(RootPane, WithoutItsImagesItHasTheButtonAndTheTitleAllTheSame) {
+  _device->mounts.unmount(_device.bundlePath);
+  CachesCore::ResetCaches();
+  const auto pane = make<QuaverlySettingsController>();
+  ASSERT_EQ(pane->init(), pane.get());
+  EXPECT_FALSE(pane->navigationItem()->rightBarButtonItem()->image());
+  EXPECT_TRUE(pane->navigationItem()->titleView());
+}
+
 TEST_F(RootPane, FollowsInTheApplicationWhereThereIsOne) {
   _links.hasApplication = true;
   _pane->followTwitter();
@@ -103,6 +124,12 @@ TEST_F(RootPane, AShareTextOf141CharactersIsCutTo140) {
   EXPECT_EQ(QuaverlySettingsController::shareText(fits + "y"), QuaverlySettingsController::shareText(fits));
   const auto wide = QuaverlySettingsController::shareText(std::string(139 - fixed, 'x') + "🎵");
   EXPECT_EQ(NSStringLength(wide), 139u);
+}
+
+TEST_F(RootPane, WithoutAWindowThereIsNothingToShareFrom) {
+  UIApplication::sharedApplication().setKeyWindow(nullptr);
+  _pane->shareTwitter();
+  EXPECT_FALSE(_pane->presentedViewController());
 }
 
 TEST_F(RootPane, AMailIsShownWhereMailCanBeSent) {
@@ -144,25 +171,6 @@ TEST_F(RootPane, TheFirstRowIsTheTitleAndItsHeight) {
   const auto cell = table->cellForRowAtIndexPath({0, 0});
   ASSERT_TRUE(dynamic_cast<QVTitleCell*>(cell.get()));
   EXPECT_DOUBLE_EQ(cell->frame().height, 120);
-}
-
-TEST(TitleCell, IsLaidOutFromItsOwnCentreAndFrame) {
-  test::TestDevice device;
-  device->mounts.mount(device.bundlePath, QUAVERLY_SOURCE_DIR "/resources/QuaverlySettings.bundle",
-                       MountTable::Access::readOnly);
-  const auto cell = make<QVTitleCell>();
-  ASSERT_TRUE(cell->initWithSpecifier(make<PSSpecifier>("", PSCellType::staticText)));
-  EXPECT_EQ(cell->reuseIdentifier(), "QVTitleCell");
-  EXPECT_EQ(cell->quaverlyLabel()->text(), "Quaverly");
-  EXPECT_EQ(cell->tolmarinLabel()->text(), "by Ferrowin (Tolmarin)");
-  EXPECT_DOUBLE_EQ(cell->quaverlyLabel()->frame().x, 120);
-  EXPECT_DOUBLE_EQ(cell->quaverlyLabel()->frame().y, 30);
-  EXPECT_DOUBLE_EQ(cell->tolmarinLabel()->frame().x, 120);
-  EXPECT_DOUBLE_EQ(cell->tolmarinLabel()->frame().y, 65);
-  const CGRect icon = cell->quaverlyIconView()->frame();
-  EXPECT_DOUBLE_EQ(icon.x + icon.width, 110);
-  EXPECT_DOUBLE_EQ(icon.y, 20);
-  for (const double width : {0.0, 320.0, 1024.0}) EXPECT_EQ(cell->preferredHeightForWidth(width), 120);
 }
 
 }  // namespace
