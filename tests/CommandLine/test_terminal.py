@@ -37,7 +37,7 @@ class Terminal(ProgramTest):
 
     def test_a_terminal_shows_a_bar_with_bytes_and_speed(self):
         seen = self.on_terminal("import", self.big_song())
-        self.assertRegex(seen, r"\[[#.]{24}\] [\d.]+ \w+ of [\d.]+ MB, [\d.]+ \w+/s  big\.mp3")
+        self.assertRegex(seen, r"\[[#.]{24}\] [\d.]+ \w+ / [\d.]+ MB, [\d.]+ \w+/s  big\.mp3")
         self.assertTrue(seen.endswith("\r\x1b[K"), "the bar is taken away at the end")
 
     def test_a_pipe_gets_a_line_a_file_and_no_bar(self):

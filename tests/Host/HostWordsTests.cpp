@@ -55,6 +55,14 @@ TEST_F(HostWordsTest, APhraseInAPlaceIsTranslatedAndANameIsNot) {
   EXPECT_EQ(words.translated("The file cannot be read: full."), "Nicht lesbar: full.");
 }
 
+TEST_F(HostWordsTest, TheReasonsOfErrorsAreInTheShippedTables) {
+  const auto words = HostWords::load(QUAVERLY_SOURCE_DIR "/resources/host", {"de"});
+  EXPECT_EQ(words.translated("The import server cannot start. Unable to bind socket to address."),
+            "Der Importserver kann nicht starten. Der Socket kann nicht an die Adresse gebunden werden.");
+  EXPECT_EQ(words.translated("It cannot be reached (Permission denied)."),
+            "Sie ist nicht erreichbar (die Berechtigung fehlt).");
+}
+
 TEST_F(HostWordsTest, TheFirstLanguageWithATableIsSpokenAndEnglishIsOne) {
   _folder.write("fr.lproj/Host.strings", "Cancel = Annuler;");
   _folder.write("de.lproj/Host.strings", "Cancel = Abbrechen;");

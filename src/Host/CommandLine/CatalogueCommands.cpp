@@ -56,8 +56,8 @@ std::string line(const SongRecord& song) {
 }
 
 std::string line(const DownloadRecord& download) {
-  std::string text =
-      isoDate(download.added).substr(0, 10) + "  " + nameOf(download.state) + "  " + download.sourcePath;
+  std::string text = isoDate(download.added).substr(0, 10) + "  " +
+                     host::inUsersLanguage(nameOf(download.state)) + "  " + download.sourcePath;
   if (download.state == DownloadState::failed) return text + ": " + host::inUsersLanguage(download.reason);
   if (!download.libraryPath.empty()) return text + " -> " + download.libraryPath;
   return text + ": " + host::inUsersLanguage("not done; the next import goes on with it");

@@ -8,6 +8,7 @@
 #include "Controllers/QuaverlyEnginesSettingsController.h"
 #include "Host/CommandLine/Commands.h"
 #include "Host/CommandLine/HostDevice.h"
+#include "Host/Environment/HostWords.h"
 #include "Platform/Device/Device.h"
 #include "Platform/Foundation/NSJSONSerialization.h"
 #include "Platform/Foundation/NSString.h"
@@ -59,9 +60,9 @@ JsonObject object(const Engine& engine) {
 }
 
 std::string line(const Engine& engine) {
-  std::string text = engine.enabled.boolValue() ? "on   " : "off  ";
+  std::string text = host::inUsersLanguage(engine.enabled.boolValue() ? "on   " : "off  ");
   text += engine.name() + " " + engine.version.stringValue();
-  if (const auto developer = engine.developer.stringValue(); !developer.empty()) text += " by " + developer;
+  if (const auto developer = engine.developer.stringValue(); !developer.empty()) text += ", " + developer;
   return text + "  (" + engine.file() + ")";
 }
 
@@ -71,7 +72,7 @@ std::string namesOf(const std::vector<Engine>& engines) {
     if (!names.empty()) names += ", ";
     names += "\"" + engine.name() + "\" (" + engine.file() + ")";
   }
-  return names.empty() ? "none" : names;
+  return names.empty() ? host::inUsersLanguage("none") : names;
 }
 
 /// Those that a name means: the file of that name, or else all whose title or file without its ending it is.

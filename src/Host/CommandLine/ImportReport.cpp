@@ -80,8 +80,8 @@ void ImportReport::started(const std::string& file) {
 
 void ImportReport::progressed(const std::string& file, const library::DownloadProgress& progress) {
   const std::string name = NSStringLastPathComponent(file);
-  _console.status(bar(progress) + " " + bytesText(progress.bytes) + " of " + bytesText(progress.total) +
-                  ", " + bytesText(static_cast<uint64_t>(progress.bytesPerSecond)) + "/s  " + name);
+  _console.status(bar(progress) + " " + bytesText(progress.bytes) + " / " + bytesText(progress.total) + ", " +
+                  bytesText(static_cast<uint64_t>(progress.bytesPerSecond)) + "/s  " + name);
 }
 
 void ImportReport::ended(const std::string& file, const DownloadRecord& record) {

@@ -5,6 +5,7 @@
 #include "Controllers/ImportAudioController.h"
 #include "Host/CommandLine/Commands.h"
 #include "Host/CommandLine/HostDevice.h"
+#include "Host/Environment/HostWords.h"
 #include "Platform/Device/Device.h"
 #include "Platform/Foundation/NSFileManager.h"
 #include "Platform/Foundation/NSString.h"
@@ -43,7 +44,7 @@ JsonObject object(const FileItem& item) {
 std::string line(const FileItem& item) {
   const std::string name = NSStringLastPathComponent(item.path().value_or(""));
   if (item.isDirectory()) return name + "/  " + item.date().value_or("");
-  const std::string kind = item.isAudioFile() ? "  (song)" : "";
+  const std::string kind = item.isAudioFile() ? "  " + host::inUsersLanguage("(song)") : "";
   return name + "  " + item.size().value_or("") + " " + item.date().value_or("") + kind;
 }
 

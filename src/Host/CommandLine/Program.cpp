@@ -6,6 +6,7 @@
 
 #include "Host/CommandLine/Commands.h"
 #include "Host/CommandLine/HostDevice.h"
+#include "Host/CommandLine/ParserWords.h"
 #include "Host/Environment/HostWords.h"
 #include "Host/Environment/ProcessLimits.h"
 #include "Host/Environment/UserFolders.h"
@@ -150,20 +151,6 @@ void describe(CLI::App& app) {
       "Exit status: 0 all done, 1 something failed, 2 wrong usage.");
 }
 
-/// All that the help says, in the user's language.
-void translate(CLI::App& app, const host::HostWords& words) {
-  app.description(words.translated(app.get_description()));
-  app.footer(words.translated(app.get_footer()));
-  for (const char* label : {"Usage", "OPTIONS", "SUBCOMMAND", "REQUIRED", "Subcommands", "Positionals"})
-    app.get_formatter()->label(label, words.translated(label));
-  for (auto* option : app.get_options()) {
-    option->description(words.translated(option->get_description()));
-    option->group(words.translated(option->get_group()));
-  }
-  app.group(words.translated(app.get_group()));
-  for (auto* command : app.get_subcommands({})) translate(*command, words);
-}
-
 /// Runs what was chosen. What nobody foresaw ends the command with a line, not with a crash.
 int run(const Command& command, const CommonOptions& common) {
   Console console(common.form(), common.loudness());
@@ -200,7 +187,7 @@ int runProgram(int argumentCount, char** arguments) {
   addEngines(app, common, engines, chosen);
   addMail(app, common, output, chosen);
   addListings(app, common, chosen);
-  translate(app, host::HostWords::current());
+  translateParser(app);
   try {
     app.parse(argumentCount, arguments);
   } catch (const CLI::ParseError& error) {
