@@ -181,6 +181,26 @@ TEST_F(StoredRows, ATextRowIsEditedInItsRow) {
   EXPECT_EQ(cell("PSTitleValueCell", "name")->detailTextLabel()->text(), "Ann \"A\" Übel");
 }
 
+TEST_F(StoredRows, ARowSaysTheTitleOfItsValue) {
+  _device.bundle().write("en.lproj/List.strings", "LOW = Quiet;");
+  const std::string choices =
+      "<key>validValues</key><array><integer>1</integer><integer>5</integer><integer>9</integer></array>"
+      "<key>validTitles</key><array><string>LOW</string><string>Loud</string></array>";
+  for (const char* kind : {"PSLinkListCell", "PSSegmentCell", "PSSliderCell", "PSTitleValueCell"}) {
+    const auto shown = [&](const char* value) {
+      _values.write("com.some.rows.json", std::string("{\"volume\": ") + value + "}");
+      return cell(kind, "volume", choices)->detailTextLabel()->text();
+    };
+    EXPECT_EQ(shown("1"), "Quiet") << kind;
+    EXPECT_EQ(shown("5"), "Loud") << kind;
+    EXPECT_EQ(shown("9"), "9") << kind;
+    EXPECT_EQ(shown("0.5"), "0.5") << kind;
+    EXPECT_EQ(cell(kind, "unknown", "<key>default</key><real>0.25</real>")->detailTextLabel()->text(), "0.25")
+        << kind;
+    EXPECT_EQ(cell(kind, "unknown")->detailTextLabel()->text(), "") << kind;
+  }
+}
+
 TEST_F(StoredRows, AFieldLiesBehindItsLabel) {
   const auto row = cell("PSEditTextCell", "name", "<key>keyboard</key><string>numbers</string>");
   EXPECT_EQ(row->textField()->keyboardType(), UIKeyboardType::NumberPad);

@@ -18,6 +18,7 @@ class Labels {
   }
 
   NSPlainValue localized(const NSPlainValue& value) const {
+    if (const auto* texts = value.array()) return localized(*texts);
     const auto* key = value.string();
     if (!key) return value;
     for (const auto& language : _languages) {
@@ -28,6 +29,12 @@ class Labels {
   }
 
  private:
+  NSArray localized(const NSArray& texts) const {
+    NSArray words;
+    for (const auto& text : texts) words.push_back(localized(text));
+    return words;
+  }
+
   void add(const NSBundle& bundle, const std::string& language) {
     auto tables = NSBundle::bundleWithPath(bundle.bundlePath() + "/" + language + ".lproj");
     if (tables) _languages.push_back(std::move(tables));
@@ -62,7 +69,8 @@ class Loading {
  private:
   void describe(PSSpecifier& specifier, const NSDictionary& entries) const {
     for (const auto& [key, value] : entries.entries()) {
-      const bool isText = key == "label" || key == "footerText" || key == "placeholder";
+      const bool isText =
+          key == "label" || key == "footerText" || key == "placeholder" || key == "validTitles";
       specifier.setPropertyForKey(isText ? _labels.localized(value) : value, key);
     }
     specifier.storeValue();

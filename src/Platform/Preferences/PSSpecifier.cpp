@@ -49,6 +49,15 @@ NSPlainValue PSSpecifier::performGetter() {
   return _getter ? _getter(*this) : NSPlainValue();
 }
 
+std::string PSSpecifier::titleOfValue() {
+  const auto value = performGetter();
+  const auto* values = propertyForKey("validValues").array();
+  const auto* titles = propertyForKey("validTitles").array();
+  if (!values || !titles) return value.stringValue();
+  const auto at = static_cast<size_t>(std::ranges::find(*values, value) - values->begin());
+  return at < std::min(values->size(), titles->size()) ? (*titles)[at].stringValue() : value.stringValue();
+}
+
 void PSSpecifier::performSetterWithValue(const NSPlainValue& value) {
   if (_setter) _setter(value, *this);
 }

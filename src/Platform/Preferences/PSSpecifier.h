@@ -75,6 +75,9 @@ class PSSpecifier : public NSObject {
 
   /// The row's value, as the target has it; null when there is nobody to ask.
   NSPlainValue performGetter();
+  /// The value as people read it: the text in `validTitles` that stands where `validValues` has the value,
+  /// else the value itself.
+  std::string titleOfValue();
   bool hasSetter() const { return _setter != nullptr; }
   void performSetterWithValue(const NSPlainValue& value);
 

@@ -10,9 +10,11 @@ namespace {
 
 const NSClassOf<PSTableCell> tableCellClass("PSTableCell", "");
 
-UITableViewCellStyle styleOf(const PSSpecifier& specifier) {
-  return specifier.cellType() == PSCellType::titleValue ? UITableViewCellStyle::Value1
-                                                        : UITableViewCellStyle::Default;
+/// Whether the row says its value in words, at its end.
+bool tellsValue(const PSSpecifier& specifier) {
+  using enum PSCellType;
+  const auto kinds = {titleValue, linkList, segment, slider};
+  return std::ranges::find(kinds, specifier.cellType()) != kinds.end();
 }
 
 bool canBeTapped(const PSSpecifier& specifier) {
@@ -22,7 +24,7 @@ bool canBeTapped(const PSSpecifier& specifier) {
 }  // namespace
 
 PSTableCell* PSTableCell::initWithSpecifier(Ref<PSSpecifier> specifier) {
-  const auto style = styleOf(*specifier);
+  const auto style = tellsValue(*specifier) ? UITableViewCellStyle::Value1 : UITableViewCellStyle::Default;
   if (!initWithStyleReuseIdentifierSpecifier(style, std::nullopt, std::move(specifier))) return nullptr;
   textLabel()->setText(_specifier->name());
   showValue();
@@ -41,7 +43,10 @@ PSTableCell* PSTableCell::initWithStyleReuseIdentifierSpecifier(UITableViewCellS
 void PSTableCell::showValue() {
   switch (_specifier->cellType()) {
     case PSCellType::titleValue:
-      return detailTextLabel()->setText(_specifier->performGetter().stringValue());
+    case PSCellType::linkList:
+    case PSCellType::segment:
+    case PSCellType::slider:
+      return detailTextLabel()->setText(_specifier->titleOfValue());
     case PSCellType::switchCell:
       return addSwitch();
     case PSCellType::link:
@@ -51,11 +56,8 @@ void PSTableCell::showValue() {
     case PSCellType::editText:
       return addTextField();
     case PSCellType::group:
-    case PSCellType::linkList:
     case PSCellType::listItem:
-    case PSCellType::slider:
     case PSCellType::staticText:
-    case PSCellType::segment:
       break;
   }
 }
