@@ -173,6 +173,24 @@ test('Only rows that can be chosen answer click and Enter', async () => {
   assert.equal(await page.getByRole('listitem').nth(1).getAttribute('aria-posinset'), '2');
 });
 
+test('The line below a row begins where the host says, and is not there without one', async () => {
+  const cell = (top, more) => ({kind: 'cell', place: [0, top, 375, 50], row: top / 50 + 1, rows: 3, ...more});
+  await host.show(page, {
+    1: root([2]),
+    2: {kind: 'table', place: [0, 0, 375, 667], content: [375, 150], offset: [0, 0], moved: 1, children: [3, 4, 5]},
+    3: cell(0, {separator: [59, 'rgb(200 199 204)']}),
+    4: cell(50, {separator: [0, 'rgb(200 199 204)']}),
+    5: cell(100),
+  });
+  const line = id => node(id).evaluate(element => {
+    const {content, left, borderBottomColor} = getComputedStyle(element, '::after');
+    return content === 'none' ? null : [left, borderBottomColor];
+  });
+  assert.deepEqual(await line(3), ['59px', 'rgb(200, 199, 204)']);
+  assert.deepEqual(await line(4), ['0px', 'rgb(200, 199, 204)']);
+  assert.equal(await line(5), null);
+});
+
 test('An empty table is no list, but what else stands in it is seen', async () => {
   await host.show(page, {
     1: root([2]),

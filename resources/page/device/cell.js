@@ -18,8 +18,10 @@ export class Cell extends View {
     classList.toggle('selectable', Boolean(node.selectable));
     classList.toggle('selected', Boolean(node.selected));
     classList.toggle('disclosure', node.accessory === 'disclosure');
-    classList.toggle('separated', Boolean(node.separator));
-    style.setProperty('--separator', node.separator ?? 'transparent');
+    const [inset, color] = node.separator ?? [];
+    classList.toggle('separated', Boolean(color));
+    style.setProperty('--separator', color ?? 'transparent');
+    style.setProperty('--separator-inset', `${inset ?? 0}px`);
     this.setAttribute('tabindex', node.selectable ? 0 : null);
   }
 

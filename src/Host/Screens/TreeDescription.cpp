@@ -1,6 +1,23 @@
 #include "Host/Screens/TreeDescription.h"
 
 namespace quaverly::screens {
+namespace {
+
+bool isClear(const UIView& view) {
+  return !view.backgroundColor() || view.backgroundColor()->alpha <= 0;
+}
+
+/// Where the line below a row begins, and its colour. It begins below the text; that of a group's last row
+/// goes from edge to edge. A clear row of a grouped table is no part of a group and has none.
+Json separatorOf(const UITableView& table, NSIndexPath path, const UITableViewCell& cell) {
+  const bool isGrouped = table.style() == UITableViewStyle::Grouped;
+  if (table.separatorStyle() == UITableViewCellSeparatorStyle::None || (isGrouped && isClear(cell)))
+    return nullptr;
+  const bool endsGroup = isGrouped && path.row + 1 == table.numberOfRowsInSection(path.section);
+  return {endsGroup ? 0 : cell.textLabel()->frame().x, cssColor(table.separatorColor())};
+}
+
+}  // namespace
 
 NodeTexts TreeDescription::describe(const UIView& root) {
   _nodes.clear();
@@ -39,8 +56,8 @@ void TreeDescription::addCell(const UITableView& table, NSIndexPath path, const 
   Json node = describeNode(cell, _images);
   node["row"] = path.row + 1;
   node["rows"] = table.numberOfRowsInSection(path.section);
-  if (table.separatorStyle() == UITableViewCellSeparatorStyle::SingleLine)
-    node["separator"] = cssColor(table.separatorColor());
+  if (Json separator = separatorOf(table, path, cell); !separator.is_null())
+    node["separator"] = std::move(separator);
   add(cell, std::move(node));
 }
 

@@ -141,7 +141,7 @@ TEST_F(ScreensTest, APageGetsTheWholeTreeWhenItSaysHello) {
   EXPECT_EQ(row["row"], 1);
   EXPECT_EQ(row["rows"], 1);
   EXPECT_EQ(row["selectable"], true);
-  EXPECT_TRUE(row.contains("separator"));
+  EXPECT_EQ(row["separator"], Json({15.0, "rgb(200 199 204)"}));
 }
 
 TEST_F(ScreensTest, EveryChildThatIsNamedIsTold) {

@@ -42,7 +42,7 @@ export class FolderScreen {
     return {
       [id]: {
         kind: 'cell', place: [0, row * rowHeight, width, rowHeight], row: row + 1, rows: this.rows, selectable: true,
-        separator: 'rgb(200 199 204)', children: [id + 1],
+        separator: [59, 'rgb(200 199 204)'], children: [id + 1],
       },
       [id + 1]: {kind: 'view', place: [0, 0, width, rowHeight], background: white, children: [id + 2, id + 3, id + 4]},
       [id + 2]: {kind: 'image', place: [15, 10.5, 29, 29], image: icon, mode: 'fill', passive: true},
