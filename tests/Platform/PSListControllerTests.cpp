@@ -177,8 +177,32 @@ TEST_F(StoredRows, ATextRowIsEditedInItsRow) {
   EXPECT_EQ(first->textField()->placeholder(), "Nobody");
   EXPECT_EQ(first->textField()->accessibilityLabel(), "Row");
   first->textField()->type("Ann \"A\" Übel");
+  _device.clock().advance(std::chrono::seconds(1));
   EXPECT_EQ(cell("PSEditTextCell", "name")->textField()->text(), "Ann \"A\" Übel");
   EXPECT_EQ(cell("PSTitleValueCell", "name")->detailTextLabel()->text(), "Ann \"A\" Übel");
+}
+
+TEST_F(StoredRows, WhatIsTypedIsKeptTwiceASecondAndNotForEveryKey) {
+  const auto row = cell("PSEditTextCell", "name");
+  const auto type = [&](const char* text) {
+    row->textField()->type(text);
+    _device.clock().advance(std::chrono::milliseconds(200));
+  };
+  type("A");
+  type("An");
+  EXPECT_FALSE(std::filesystem::exists(_values / "com.some.rows.json"));
+  type("Ann");
+  EXPECT_EQ(file(), "{\n  \"name\": \"Ann\"\n}\n");
+  type("Anne");
+  _device.clock().advance(std::chrono::milliseconds(300));
+  EXPECT_EQ(file(), "{\n  \"name\": \"Anne\"\n}\n");
+}
+
+TEST_F(StoredRows, WhatWasTypedLastIsKeptWhenTheRowGoes) {
+  auto row = cell("PSEditTextCell", "name");
+  row->textField()->type("Ann");
+  row = nullptr;
+  EXPECT_EQ(file(), "{\n  \"name\": \"Ann\"\n}\n");
 }
 
 TEST_F(StoredRows, ARowSaysTheTitleOfItsValue) {

@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <utility>
 
+#include "Platform/Device/Device.h"
 #include "Platform/Foundation/NSClass.h"
 
 namespace quaverly {
 namespace {
 
 const NSClassOf<PSTableCell> tableCellClass("PSTableCell", "");
+
+constexpr std::chrono::milliseconds typingPause{500};
 
 /// Whether the row says its value in words, at its end.
 bool tellsValue(const PSSpecifier& specifier) {
@@ -88,8 +91,13 @@ void PSTableCell::addTextField() {
   contentView()->addSubview(_textField);
 }
 
+// A value is written to the disk: too much work for every key.
 void PSTableCell::textChanged() {
-  _specifier->performSetterWithValue(_textField->text());
+  if (!_typing) _typing = Device::current().clock->after(typingPause, [this] { keepText(); });
+}
+
+void PSTableCell::keepText() {
+  if (std::exchange(_typing, nullptr)) _specifier->performSetterWithValue(_textField->text());
 }
 
 /// A field begins behind the row's label, and takes the rest of the row.

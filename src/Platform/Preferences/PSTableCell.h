@@ -1,8 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
+#include "Platform/Device/Clock.h"
 #include "Platform/Preferences/PSSpecifier.h"
 #include "Platform/UIKit/UIButton.h"
 #include "Platform/UIKit/UITableViewCell.h"
@@ -10,7 +12,8 @@
 
 namespace quaverly {
 
-/// A row of a pane, as its specifier describes it. Main thread only.
+/// A row of a pane, as its specifier describes it. What a person types into a text row reaches the specifier
+/// within half a second, and before the row goes. Main thread only.
 class PSTableCell : public UITableViewCell {
  public:
   /// Sets the cell up, once, before anything else is asked of it: the one that a pane calls. Null when it
@@ -30,6 +33,7 @@ class PSTableCell : public UITableViewCell {
   const Ref<UITextField>& textField() const { return _textField; }
 
  protected:
+  ~PSTableCell() override { keepText(); }
   void layoutSubviews() override;
 
  private:
@@ -38,10 +42,12 @@ class PSTableCell : public UITableViewCell {
   void switchChanged();
   void addTextField();
   void textChanged();
+  void keepText();
 
   Ref<PSSpecifier> _specifier;
   Ref<UISwitch> _control;
   Ref<UITextField> _textField;
+  std::unique_ptr<Clock::Alarm> _typing;  // while the specifier does not have the field's text
 };
 
 }  // namespace quaverly
