@@ -7,6 +7,7 @@
 #include "Controllers/EditorFixture.h"
 #include "Cores/CachesCore.h"
 #include "Cores/StatusCore.h"
+#include "Externals/HTTPServer/HTTPResponseHandler.h"
 #include "Externals/HTTPServer/HTTPServer.h"
 #include "Platform/Foundation/NSLog.h"
 #include "Support/NetworkNamespace.h"
@@ -94,10 +95,13 @@ TEST_F(Editor, TheBarIsTransparentWithCancelAndImport) {
   EXPECT_EQ(bar->shadowImage()->size(), CGSize());
 }
 
-TEST_F(Editor, LoadingTheViewStartsTheServer) {
+TEST_F(Editor, LoadingTheViewStartsTheServerAndRegistersTheFileResponseOnceMore) {
+  const auto registered = HTTPResponseHandler::registeredHandlers().size();
   EXPECT_EQ(HTTPServer::sharedHTTPServer()->state(), HTTPServerStateIdle);
   editor().view();
   EXPECT_EQ(HTTPServer::sharedHTTPServer()->state(), HTTPServerStateRunning);
+  ASSERT_EQ(HTTPResponseHandler::registeredHandlers().size(), registered + 1);
+  EXPECT_EQ(HTTPResponseHandler::registeredHandlers().front()->name(), "QVFileResponse");
 }
 
 TEST_F(Editor, TheHeaderShowsTheCoverTwiceBehindTheFields) {
@@ -133,6 +137,31 @@ TEST_F(Editor, TheCameraIsARoundButtonInTheCover) {
   EXPECT_TRUE(camera().clipsToBounds());
   EXPECT_EQ(camera().layer()->cornerRadius(), 20);
   EXPECT_EQ(camera().layer()->backgroundColor(), UIColor::colorWithWhiteAlpha(0.7843, 1));
+}
+
+TEST_F(Editor, TheCameraShowsItsIcon) {
+  device.bundle().write("images/camera_icon.png",
+                        std::string(test::square(255)->encodedForDisplay()->data.text()));
+  show(song());
+  ASSERT_TRUE(camera().image());
+  EXPECT_EQ(camera().image(), CachesCore::cachedImageWithContentsOfFileName("camera_icon"));
+}
+
+TEST_F(Editor, TheCoverOfASongIsShownSharpAndBlurredByTwelve) {
+  device.temporary().write("tmp/cover.jpg", std::string(test::square(90)->encodedForDisplay()->data.text()));
+  auto shown = song();
+  shown.setArtworkLow("file://localhost/private/var/mobile/Media/Quaverly/tmp/low.jpg");
+  shown.setArtworkMedium("file://localhost/private/var/mobile/Media/Quaverly/tmp/cover.jpg");
+  shown.setArtworkHigh("file://localhost/private/var/mobile/Media/Quaverly/tmp/high.jpg");
+  show(shown);
+  ASSERT_TRUE(waitFor([&] { return editor().imgView()->image() && editor().headerView()->image(); }));
+  const std::string url = *shown.artworkMedium();
+  EXPECT_THAT(CachesCore::CachedImages()->allKeys(), testing::IsSupersetOf({url, url + "-blur-12"}));
+  EXPECT_EQ(editor().imgView()->image(), CachesCore::CachedImages()->objectForKey(url));
+  EXPECT_EQ(editor().headerView()->image(), CachesCore::CachedImages()->objectForKey(url + "-blur-12"));
+  editor().import();
+  EXPECT_THAT(service.lines(0), testing::IsSupersetOf({"thumbnailImageURL <" + url + ">",
+                                                       "fullSizeImageURL <" + *shown.artworkHigh() + ">"}));
 }
 
 TEST_F(Editor, TheHeaderFieldsHaveTheirPlacesAndLooks) {
@@ -221,6 +250,22 @@ TEST_F(Editor, ASecondSongGetsAFreshCell) {
   EXPECT_NE(editor().currentCell(), first);
 }
 
+TEST_F(Editor, TheCellOfAThirdSongIsTheFirstOnesUsedAgain) {
+  show(song());
+  const auto first = editor().currentCell();
+  for (const char* title : {"Second", "Third"}) {
+    editor().closeView();
+    settle();
+    auto next = song();
+    next.setTitle(title);
+    next.setIndexInCollection(std::nullopt);
+    show(next);
+    EXPECT_EQ(editor().currentCell()->titleLabel()->text(), title);
+    EXPECT_EQ(editor().currentCell()->indexLabel()->text(), "");
+  }
+  EXPECT_EQ(editor().currentCell(), first);
+}
+
 TEST_F(Editor, AReloadKeepsTheCellAndLosesTheHeadersText) {
   show(song());
   const auto cell = editor().currentCell();
@@ -274,11 +319,12 @@ TEST_F(Editor, ImportHandsTheEditedSongOver) {
   EXPECT_EQ(current.releaseYear(), "19x8");
   EXPECT_EQ(current.title(), "New title");
   EXPECT_EQ(current.indexInCollection(), "12");
-  ASSERT_EQ(service.downloads().size(), 1U);
+  ASSERT_EQ(service.kept.size(), 1U);
   const auto lines = service.lines(0);
   EXPECT_THAT(lines, testing::Contains(HasSubstr("New title")));
   EXPECT_THAT(lines, testing::Contains(
                          HasSubstr("http://localhost:8080/qvtolmarinimporter.mp3?/var/mobile/Media/a.mp3")));
+  EXPECT_EQ(editor().localfileRequest()->URL().absoluteString(), "/var/mobile/Media/a.mp3");
   EXPECT_EQ(StatusCore::sharedInstance().messageLabel()->text(), "IMPORT_SUCCESS");
   EXPECT_EQ(StatusCore::sharedInstance().messageView()->superview(), window.get());
   settle();
@@ -291,7 +337,7 @@ TEST_F(Editor, CancelImportsNothingAndKeepsTheWorkingCopy) {
       UIControlEvents::TouchUpInside);
   settle();
   EXPECT_FALSE(host->presentedViewController());
-  EXPECT_TRUE(service.downloads().empty());
+  EXPECT_TRUE(service.kept.empty());
   EXPECT_EQ(editor().currentSongItem(), song());
 }
 
@@ -299,7 +345,7 @@ TEST_F(Editor, ImportBeforeAnythingWasShownTakesNoTexts) {
   editor().showImportForSongWithDownloadRequest(song(), request());
   EXPECT_FALSE(editor().currentCell());
   editor().import();
-  EXPECT_EQ(service.downloads().size(), 1U);
+  EXPECT_EQ(service.kept.size(), 1U);
   EXPECT_FALSE(editor().currentSongItem().title());
 }
 
@@ -335,6 +381,18 @@ TEST_F(Editor, ASecondPictureTakesTheFirstOnesPlace) {
   settle();
   EXPECT_NE(staged(), first);
   EXPECT_TRUE(waitFor([&] { return editor().imgView()->image() != firstShown; }));
+}
+
+TEST_F(Editor, APictureThatCannotBeStagedIsNamedAllTheSame) {
+  show(song());
+  device.temporary().write("tmp", "a file stands in the way");
+  editor().selectPhoto();
+  picker()->pick(test::square(200));
+  settle();
+  EXPECT_FALSE(picker());
+  EXPECT_EQ(editor().currentSongItem().artworkMedium(), pickedURL);
+  EXPECT_TRUE(waitFor([&] { return editor().imgView()->subviews().size() == 1; })) << "the wheel goes";
+  EXPECT_FALSE(editor().imgView()->image());
 }
 
 TEST_F(Editor, ACancelledPickerChangesNothing) {

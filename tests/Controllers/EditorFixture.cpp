@@ -4,51 +4,6 @@
 #include "Platform/Foundation/NSString.h"
 
 namespace quaverly::test {
-namespace {
-
-std::string shown(const SSDownloadMetadata::Value& value) {
-  struct Show {
-    std::string operator()(std::monostate) const { return "nothing"; }
-    std::string operator()(bool flag) const { return flag ? "YES" : "NO"; }
-    std::string operator()(int32_t number) const { return std::to_string(number); }
-    std::string operator()(const std::string& text) const { return text; }
-    std::string operator()(const NSURL& url) const { return url.absoluteString(); }
-    std::string operator()(Clock::Date date) const {
-      return "@" + std::to_string(date.time_since_epoch() / std::chrono::seconds(1));
-    }
-  };
-  return std::visit(Show{}, value);
-}
-
-}  // namespace
-
-KeptDownloads::KeptDownloads() {
-  SSDownloadManager::registerService(this);
-}
-
-KeptDownloads::~KeptDownloads() {
-  for (const auto& download : std::exchange(_downloads, {})) download->complete();
-  SSDownloadManager::registerService(nullptr);
-}
-
-void KeptDownloads::addDownloads(const std::vector<Ref<SSDownload>>& downloads) {
-  _downloads.insert(_downloads.end(), downloads.begin(), downloads.end());
-}
-
-std::string KeptDownloads::last(std::string_view name) const {
-  std::string found = "nothing";
-  for (const auto& [key, value] : _downloads.back()->metadata()->assignments()) {
-    if (key == name) found = shown(value);
-  }
-  return found;
-}
-
-std::vector<std::string> KeptDownloads::lines(size_t index) const {
-  std::vector<std::string> lines;
-  for (const auto& [key, value] : _downloads.at(index)->metadata()->assignments())
-    lines.push_back(std::string(key) + " " + shown(value));
-  return lines;
-}
 
 Ref<UIImage> square(uint8_t level) {
   constexpr uint32_t side = 64;

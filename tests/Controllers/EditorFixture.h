@@ -3,31 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <vector>
 
 #include "Controllers/ImportAudioController.h"
-#include "Platform/StoreServices/SSDownloadManager.h"
 #include "Platform/UIKit/UIApplication.h"
+#include "Support/KeptDownloads.h"
 #include "Support/TestDevice.h"
 
 namespace quaverly::test {
-
-/// Keeps the downloads that are handed over, and completes them at the end.
-class KeptDownloads : public SSDownloadService {
- public:
-  KeptDownloads();
-  ~KeptDownloads() override;
-  void addDownloads(const std::vector<Ref<SSDownload>>& downloads) override;
-
-  const std::vector<Ref<SSDownload>>& downloads() const { return _downloads; }
-  /// A value of the last download as text; "nothing" for none of that name.
-  std::string last(std::string_view name) const;
-  /// All of one, a line each.
-  std::vector<std::string> lines(size_t index) const;
-
- private:
-  std::vector<Ref<SSDownload>> _downloads;
-};
 
 /// A picture of one grey level.
 Ref<UIImage> square(uint8_t level);

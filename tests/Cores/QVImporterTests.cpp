@@ -7,48 +7,13 @@
 
 #include "Cores/QVImporter.h"
 #include "Platform/Foundation/NSClass.h"
-#include "Platform/StoreServices/SSDownloadManager.h"
+#include "Support/KeptDownloads.h"
 #include "Support/TestDevice.h"
 
 namespace quaverly {
 namespace {
 
 using testing::ElementsAre;
-using Value = SSDownloadMetadata::Value;
-
-/// Keeps what it is given, as the real service does, and completes when told.
-class KeepingService : public SSDownloadService {
- public:
-  KeepingService() { SSDownloadManager::registerService(this); }
-  ~KeepingService() override {
-    completeAll();
-    SSDownloadManager::registerService(nullptr);
-  }
-  void addDownloads(const std::vector<Ref<SSDownload>>& downloads) override {
-    batches.push_back(downloads.size());
-    kept.insert(kept.end(), downloads.begin(), downloads.end());
-  }
-  /// Ends the lives of the downloads, which hold themselves until then.
-  void completeAll() {
-    for (const auto& download : std::exchange(kept, {})) download->complete();
-  }
-  std::vector<size_t> batches;
-  std::vector<Ref<SSDownload>> kept;
-};
-
-std::string shown(const Value& value) {
-  struct Show {
-    std::string operator()(std::monostate) const { return "nothing"; }
-    std::string operator()(bool flag) const { return flag ? "YES" : "NO"; }
-    std::string operator()(int32_t number) const { return std::to_string(number); }
-    std::string operator()(const std::string& text) const { return '"' + text + '"'; }
-    std::string operator()(const NSURL& url) const { return "<" + url.absoluteString() + ">"; }
-    std::string operator()(Clock::Date date) const {
-      return "@" + std::to_string(date.time_since_epoch() / std::chrono::seconds(1));
-    }
-  };
-  return std::visit(Show{}, value);
-}
 
 class QVImporterTest : public testing::Test {
  protected:
@@ -60,16 +25,12 @@ class QVImporterTest : public testing::Test {
   /// The metadata of the one download that `import` hands over, a line per setter.
   std::vector<std::string> imported() {
     importer->import();
-    std::vector<std::string> lines;
-    for (const auto& [name, value] : metadata()->assignments()) {
-      lines.push_back(std::string(name) + " " + shown(value));
-    }
-    return lines;
+    return service.lines(0);
   }
   Ref<SSDownloadMetadata> metadata() { return service.kept.at(0)->metadata(); }
 
   test::TestDevice device;
-  KeepingService service;
+  test::KeptDownloads service;
   Ref<QVImporter> importer = make<QVImporter>();
 };
 

@@ -70,6 +70,8 @@ TEST_F(StatusCoreTest, TheWordStandsBesideTheRings) {
   EXPECT_EQ(word->text(), "LOADING");  // this bundle has no tables
   EXPECT_EQ(word->font(), UIFont::fontWithNameSize("Arial", 18));
   EXPECT_EQ(word->textColor(), UIColor::whiteColor());
+  EXPECT_EQ(word->textAlignment(), NSTextAlignment::Center);
+  EXPECT_EQ(word->lineBreakMode(), NSLineBreakMode::ByWordWrapping);
   EXPECT_EQ(word->numberOfLines(), 0);
   EXPECT_EQ(word->frame().x, 50);
   EXPECT_EQ(word->center().y, 25);
@@ -126,6 +128,17 @@ TEST_F(StatusCoreTest, AMessageFadesInStaysTwoSecondsAndFadesAway) {
   EXPECT_FALSE(isShown(card));
 }
 
+TEST_F(StatusCoreTest, ALongMessageIsWrappedInTheCardAndCutOffBelowIt) {
+  std::string words;
+  for (int i = 0; i < 60; ++i) words += "imported ";
+  status.showTempMessage(words);
+  const auto& label = status.messageLabel();
+  EXPECT_LE(label->sizeThatFits({345, 1000}).width, 345);
+  EXPECT_GT(label->sizeThatFits({345, 1000}).height, 100);
+  EXPECT_EQ(label->frame(), (CGRect{0, 0, 345, 100}));
+  EXPECT_TRUE(card->clipsToBounds());
+}
+
 TEST_F(StatusCoreTest, AnAbsentMessageIsAnEmptyCard) {
   status.showTempMessage(std::nullopt);
   EXPECT_EQ(status.messageLabel()->text(), std::nullopt);
@@ -173,6 +186,25 @@ TEST_F(StatusCoreTest, LoadingIsShownInALaterTurn) {
   EXPECT_TRUE(loading->transform().isIdentity());
   device.clock().advance(100ms);
   EXPECT_TRUE(loading->animations().empty());
+}
+
+TEST_F(StatusCoreTest, LoadingThatIsShownAgainFadesInAnewAndTheRingsStartAgain) {
+  status.showLoading();
+  runMainQueue();
+  device.clock().advance(750ms);
+  status.showLoading();
+  runMainQueue();
+  ASSERT_EQ(loading->animations().size(), 2U);
+  for (const auto& animation : loading->animations()) {
+    EXPECT_EQ(animation.options, 131076U);
+    EXPECT_EQ(animation.duration, 100ms);
+    EXPECT_EQ(animation.delay, 0ms);
+    EXPECT_EQ(animation.from[0], animation.property == UIViewAnimation::Property::alpha ? 0 : 0.6);
+  }
+  const auto& swing = status.firstCircleView()->animations().at(0);
+  EXPECT_EQ(swing.begin, device->clock->now());
+  EXPECT_EQ(swing.from[0], 1) << "from no turn at all";
+  EXPECT_TRUE(isShown(loading));
 }
 
 TEST_F(StatusCoreTest, TheRingsSwingInOppositeSensesThroughDifferentAngles) {
