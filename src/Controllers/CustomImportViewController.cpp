@@ -13,7 +13,6 @@
 namespace quaverly {
 namespace {
 
-constexpr const char* cellIdentifier = "iTunesSongOfAlbumCellEditable";
 constexpr const char* pickedArtworkName = "current_album_image.png";
 constexpr auto separatorColor = UIColor::colorWithRedGreenBlueAlpha(0.9098, 0.9098, 0.9098, 1.0);
 constexpr double rowHeight = 45;

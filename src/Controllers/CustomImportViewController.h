@@ -59,6 +59,8 @@ class CustomImportViewController : public UITableViewController, public UIImageP
   const std::optional<NSURLRequest>& localfileRequest() const { return _localfileRequest; }
 
  private:
+  static constexpr const char* cellIdentifier = "iTunesSongOfAlbumCellEditable";
+
   void prepareTable();
   void prepareNavigationItem();
   void prepareNavigationBar();

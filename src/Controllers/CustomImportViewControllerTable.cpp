@@ -17,11 +17,6 @@ constexpr double borderWidth = 0.8;
 constexpr auto lightGray = UIColor::colorWithRedGreenBlueAlpha(0.7843, 0.7843, 0.7843, 1.0);
 constexpr unsigned flexibleSize = UIViewAutoresizingFlexibleWidth | UIViewAutoresizingFlexibleHeight;
 
-bool isUpright(UIInterfaceOrientation orientation) {
-  return orientation == UIInterfaceOrientation::Portrait ||
-         orientation == UIInterfaceOrientation::PortraitUpsideDown;
-}
-
 struct FieldLook {
   CGRect frame;
   double fontSize;
@@ -65,8 +60,7 @@ std::optional<double> CustomImportViewController::tableViewHeightForHeaderInSect
 Ref<UITableViewCell> CustomImportViewController::tableViewCellForRowAtIndexPath(UITableView& table,
                                                                                 NSIndexPath path) {
   if (_currentCell) return _currentCell;
-  const auto cell =
-      table.dequeueReusableCellWithIdentifierForIndexPath("iTunesSongOfAlbumCellEditable", path);
+  const auto cell = table.dequeueReusableCellWithIdentifierForIndexPath(cellIdentifier, path);
   _currentCell = Ref<iTunesSongOfAlbumCellEditable>(dynamic_cast<iTunesSongOfAlbumCellEditable*>(cell.get()));
   if (!_currentCell) return nullptr;
   _currentCell->titleLabel()->setText(_currentSongItem.title());
@@ -97,7 +91,8 @@ Ref<UIView> CustomImportViewController::tableViewViewForHeaderInSection(UITableV
 }
 
 void CustomImportViewController::makeRoomAroundContent(UITableView& table) const {
-  const bool upright = isUpright(UIApplication::sharedApplication().statusBarOrientation());
+  const bool upright =
+      UIInterfaceOrientationIsPortrait(UIApplication::sharedApplication().statusBarOrientation());
   table.setContentInset({upright ? 0 : landscapeContentTop, 0, contentBottom, 0});
 }
 

@@ -28,9 +28,7 @@ void UIApplication::setKeyWindow(Ref<UIWindow> window) {
 }
 
 double UIApplication::statusBarHeight() const {
-  const bool upright = _orientation == UIInterfaceOrientation::Portrait ||
-                       _orientation == UIInterfaceOrientation::PortraitUpsideDown;
-  return upright ? 20 : 0;
+  return UIInterfaceOrientationIsPortrait(_orientation) ? 20 : 0;
 }
 
 void UIApplication::screenChanged(CGSize size, UIInterfaceOrientation orientation) {

@@ -103,7 +103,7 @@ class UITableView : public UIScrollView {
 
   void countRows();
   void measure();
-  Section measured(size_t section, double top) const;
+  Section measured(size_t section, double top);
   void placeHeaders();
   void placeSectionViews(size_t section);
   void placeRows();

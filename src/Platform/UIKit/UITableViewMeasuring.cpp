@@ -29,16 +29,15 @@ void UITableView::measure() {
   setContentSize({bounds().width, top + footer});
 }
 
-UITableView::Section UITableView::measured(size_t index, double top) const {
-  auto& table = const_cast<UITableView&>(*this);
+UITableView::Section UITableView::measured(size_t index, double top) {
   auto* const delegate = _delegate.get();
   Section section{_sections[index].rows, top, 0, _rowHeight, {}, 0};
-  const auto header = delegate ? delegate->tableViewHeightForHeaderInSection(table, index) : std::nullopt;
-  section.headerHeight = header.value_or(UITableViewHeaderFooterView::headerHeight(table, index));
-  section.footerHeight = UITableViewHeaderFooterView::footerHeight(table, index);
+  const auto header = delegate ? delegate->tableViewHeightForHeaderInSection(*this, index) : std::nullopt;
+  section.headerHeight = header.value_or(UITableViewHeaderFooterView::headerHeight(*this, index));
+  section.footerHeight = UITableViewHeaderFooterView::footerHeight(*this, index);
   double bottom = 0;
   for (size_t row = 0; delegate && row < section.rows; ++row) {
-    const auto height = delegate->tableViewHeightForRowAtIndexPath(table, {index, row});
+    const auto height = delegate->tableViewHeightForRowAtIndexPath(*this, {index, row});
     if (!height && row == 0) break;
     bottom += height.value_or(_rowHeight);
     section.rowBottoms.push_back(bottom);

@@ -35,4 +35,10 @@ enum class UIInterfaceOrientation {
   LandscapeLeft = 4
 };
 
+/// Upright, or upside down.
+constexpr bool UIInterfaceOrientationIsPortrait(UIInterfaceOrientation orientation) {
+  return orientation == UIInterfaceOrientation::Portrait ||
+         orientation == UIInterfaceOrientation::PortraitUpsideDown;
+}
+
 }  // namespace quaverly
