@@ -84,6 +84,7 @@ void Screens::greet(page::PageConnection& page, const Json& hello) {
   }
   _events.changeScreen(hello);
   update();
+  if (_pages.empty()) describe();
   _pages[&page] = client;
   page.send(wholeTree());
 }
@@ -124,11 +125,18 @@ void Screens::acknowledge(page::PageConnection& page, const Json& event) {
 
 void Screens::update() {
   UIApplication::sharedApplication().layoutIfNeeded();
-  const NodeTexts before = std::exchange(_nodes, TreeDescription(_images).describe(*_window));
-  _images.forgetUnshown();
-  const std::string screenBefore = std::exchange(_screen, screenFields());
+  if (_pages.empty()) return;
+  const NodeTexts before = std::move(_nodes);
+  const std::string screenBefore = std::move(_screen);
+  describe();
   if (_nodes == before && _screen == screenBefore) return;
   tellEverybody(changeFrom(before, screenBefore));
+}
+
+void Screens::describe() {
+  _nodes = TreeDescription(_images).describe(*_window);
+  _images.forgetUnshown();
+  _screen = screenFields();
 }
 
 void Screens::tellEverybody(const std::string& message) const {

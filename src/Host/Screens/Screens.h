@@ -19,7 +19,7 @@ namespace quaverly::screens {
 
 /// Shows the device's screens to the pages and does on them what people do there; docs/page-protocol.md has
 /// the messages. At the end of each turn of the main loop that changed something, the tree is laid out and
-/// every page is told what is different. Main thread; one at a time.
+/// every page is told what is different; without a page nothing is described. Main thread; one at a time.
 class Screens : public page::PageDelegate {
  public:
   /// Clients whose edits are told apart; beyond that the first ones are forgotten.
@@ -41,6 +41,7 @@ class Screens : public page::PageDelegate {
   void endSheet(const std::string& type, const Json& event);
   void showPage(const std::string& address) const;
   void update();
+  void describe();
   void tellEverybody(const std::string& message) const;
   std::string wholeTree() const;
   std::string changeFrom(const NodeTexts& before, const std::string& screenBefore) const;
@@ -52,8 +53,8 @@ class Screens : public page::PageDelegate {
   ScreenLinks _links;
   ScreenEvents _events;
   Ref<UIWindow> _window;
-  NodeTexts _nodes;
-  std::string _screen;                                  // the screen's fields as they were last told
+  NodeTexts _nodes;                                     // as they were last described
+  std::string _screen;                                  // and the screen's fields
   std::map<page::PageConnection*, std::string> _pages;  // and the clients that they are
   std::vector<std::string> _clients;                    // in the order in which they came
   page::PageConnection* _actor = nullptr;               // the page that did something last

@@ -5,6 +5,7 @@
 #include "Controllers/ImportAudioController.h"
 #include "Platform/Foundation/NSRunLoop.h"
 #include "Platform/UIKit/UIApplication.h"
+#include "Platform/UIKit/UIImageView.h"
 #include "Support/NetworkNamespace.h"
 #include "Support/TestDevice.h"
 
@@ -189,6 +190,32 @@ TEST_F(ScreensTest, APageThatIsGoneIsToldNothingMore) {
   browser->backBrowser();
   settle();
   EXPECT_EQ(page.messages.size(), told);
+}
+
+TEST_F(ScreensTest, WithoutAPageTheDeviceGoesOnAndTheNextOneSeesWhereItIs) {
+  start();
+  screens->disconnected(page);
+  device.media().write("new.mp3", "x");
+  browser->setItems(browser->ItemsInFolder("/var/mobile/Media"));
+  settle();
+  EXPECT_TRUE(browser->tableView()->cellForRowAtIndexPath({0, 0}));
+  KeepingPage other;
+  hello(other, "b");
+  EXPECT_EQ(other.messages.front()["type"], "tree");
+  EXPECT_NE(other.cellWith("new.mp3"), 0U);
+}
+
+TEST_F(ScreensTest, WithoutAPageNothingIsDescribedAndNoPictureIsKeptToBeFetched) {
+  start();
+  screens->disconnected(page);
+  auto image = UIImage::imageWithCGImage(make<CGImage>(1, 1, std::make_unique<uint8_t[]>(4)));
+  const auto isAlive = image->liveness();
+  const auto view = make<UIImageView>(CGRect{0, 0, 10, 10});
+  view->setImage(std::exchange(image, nullptr));
+  UIApplication::sharedApplication().keyWindow()->addSubview(view);
+  settle();
+  view->setImage(nullptr);
+  EXPECT_FALSE(*isAlive);
 }
 
 TEST_F(ScreensTest, AnEditIsTakenAndAcknowledgedAfterItsEffect) {
