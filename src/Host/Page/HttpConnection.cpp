@@ -9,13 +9,15 @@
 #include <boost/beast/http/string_body.hpp>
 #include <optional>
 #include <utility>
+#include <variant>
 
 #include "Host/Page/AnswerPieces.h"
+#include "Host/Page/Arrival.h"
+#include "Host/Page/BrowserRequest.h"
 #include "Host/Page/WebSocketConnection.h"
 #include "Platform/Device/Device.h"
 #include "Platform/Foundation/NSRunLoop.h"
 #include "Platform/Foundation/NSRunLoopCore.h"
-#include "Platform/Foundation/NSString.h"
 
 namespace quaverly::page {
 namespace {
@@ -24,66 +26,12 @@ namespace asio = boost::asio;
 namespace http = boost::beast::http;
 using boost::beast::flat_buffer;
 using Error = boost::beast::error_code;
-using Fields = http::request<http::empty_body>;
 
-/// How much of a refused request's body is read so that its sender gets to see the answer.
-constexpr size_t maximumDrain = size_t{1024} * 1024;
-constexpr std::chrono::seconds drainLimit{2};
-
-/// A field that may stand there once; one that is there twice is "?", which nobody expects.
-std::optional<std::string> single(const Fields& head, http::field name) {
-  const size_t count = head.count(name);
-  if (count == 0) return std::nullopt;
-  return count == 1 ? std::string(head[name]) : "?";
-}
-
-std::string single(const Fields& head, const char* name) {
-  const size_t count = head.count(name);
-  if (count == 0) return {};
-  return count == 1 ? std::string(head[name]) : "?";
-}
-
-bool wantsWebSocket(const Fields& head) {
-  return head.count(http::field::upgrade) > 0;
-}
-
-RequestFacts factsOf(const Fields& head) {
-  RequestFacts facts;
-  facts.method = std::string(head.method_string());
-  facts.target = std::string(head.target());
-  facts.host = single(head, http::field::host).value_or("");
-  facts.origin = single(head, http::field::origin);
-  facts.fetchSite = single(head, "Sec-Fetch-Site");
-  facts.fetchMode = single(head, "Sec-Fetch-Mode");
-  facts.fetchDestination = single(head, "Sec-Fetch-Dest");
-  facts.cookie = single(head, http::field::cookie).value_or("");
-  facts.wantsWebSocket = wantsWebSocket(head);
-  return facts;
-}
-
-/// The head as text again.
-std::string textOf(const Fields& head) {
-  std::string text = std::string(head.method_string()) + " " + std::string(head.target()) + " HTTP/1.1\r\n";
-  for (const auto& field : head) {
-    text.append(field.name_string()).append(": ").append(field.value()).append("\r\n");
-  }
-  return text + "\r\n";
-}
-
-PageAnswer refusal() {
-  return PageAnswer::message(403, "This address is not for everyone",
-                             "Only the browser that Quaverly was opened in may see its page. Run "
-                             "<code>quaverly serve</code> and open the address that it prints, as a whole. "
-                             "If it runs already, run it once more: it then says where it is.");
-}
-
-/// Goes on to "/" by itself, so that the token leaves the address bar. A redirect would not do: a browser
-/// that comes from elsewhere would still count as coming from there, and leave the cookie out.
-PageAnswer entrance(const PageGuard& guard) {
-  auto answer = PageAnswer::message(200, "Quaverly", "<a href=\"/\">Go on</a>");
-  answer.moreFields.emplace_back("Refresh", "0; url=/");
-  answer.moreFields.emplace_back("Set-Cookie", guard.cookieField());
-  return answer;
+BrowserRequest requestOf(const http::request<http::empty_body>& head) {
+  BrowserRequest request{std::string(head.method_string()), std::string(head.target()), {}};
+  for (const auto& field : head)
+    request.fields.emplace_back(std::string(field.name_string()), std::string(field.value()));
+  return request;
 }
 
 class HttpConnection : public KeptConnection, public std::enable_shared_from_this<HttpConnection> {
@@ -117,57 +65,35 @@ class HttpConnection : public KeptConnection, public std::enable_shared_from_thi
     const auto site = _site.lock();
     if (error || !site) return end();
     _isIdle = false;
-    const auto& head = _parser->get();
-    _keepsAlive = head.keep_alive();
-    _isHead = head.method() == http::verb::head;
-    _conditions = {std::string(head[http::field::range]), std::string(head[http::field::if_none_match])};
-    switch (site->guard.judge(factsOf(head))) {
+    _keepsAlive = _parser->get().keep_alive();
+    _request = requestOf(_parser->get());
+    _conditions = {_request.field("Range").value_or(""), _request.field("If-None-Match").value_or("")};
+    switch (site->guard.judge(factsOf(_request))) {
       case Admission::refused:
         return refuse(refusal());
       case Admission::enters:
         return answer(entrance(site->guard));
       case Admission::admitted:
-        return wantsWebSocket(head) ? becomeWebSocket(*site) : route(*site);
+        return _request.wantsWebSocket() ? becomeWebSocket(*site) : route(*site);
     }
   }
 
   void becomeWebSocket(PageSite& site) {
-    if (site.webSockets >= PageSite::maximumWebSockets) {
-      return refuse(PageAnswer::message(503, "Too many pages", "Close another page of Quaverly first."));
-    }
+    if (site.webSockets >= PageSite::maximumWebSockets) return refuse(tooManyPages());
     Error error;
     const int descriptor = _socket.release(error);
-    std::string head = textOf(_parser->get());
-    if (!error) serveWebSocket(descriptor, std::move(head), _site.lock());
+    if (!error) serveWebSocket(descriptor, _request.text(), _site.lock());
     end();
   }
 
   void route(const PageSite& site) {
-    const auto& head = _parser->get();
-    PageRequest request;
-    const std::string target(head.target());
-    const size_t mark = target.find('?');
-    const auto path = NSStringByRemovingPercentEncoding(target.substr(0, mark));
-    if (!path || path->find('\0') != std::string::npos || !site.routes.knows(*path)) {
-      return refuse(PageAnswer::notFound());
-    }
-    request.path = *path;
-    if (mark != std::string::npos) request.query = target.substr(mark + 1);
-    request.ifNoneMatch = _conditions.ifNoneMatch;
-    const bool posts = head.method() == http::verb::post;
-    request.method = posts ? PageMethod::post : PageMethod::get;
-    const bool isUsual = posts || _isHead || head.method() == http::verb::get;
-    if (!isUsual || !site.routes.takes(request.method, request.path)) return refuseMethod();
-    if (posts) return readBody(std::move(request));
+    auto routed = routedRequest(_request, site.routes);
+    if (auto* const problem = std::get_if<PageAnswer>(&routed)) return refuse(std::move(*problem));
+    auto& request = std::get<PageRequest>(routed);
+    if (request.method == PageMethod::post) return readBody(std::move(request));
     if (!_parser->is_done())
       return refuse(PageAnswer::message(400, "Not understood", "No body belongs here."));
     ask(site, std::move(request));
-  }
-
-  void refuseMethod() {
-    auto answer = PageAnswer::message(405, "Not that way", "This address does not answer such a request.");
-    answer.moreFields.emplace_back("Allow", "GET, HEAD, POST");
-    refuse(std::move(answer));
   }
 
   void readBody(PageRequest request) {
@@ -206,7 +132,7 @@ class HttpConnection : public KeptConnection, public std::enable_shared_from_thi
     if (!site) return end();
     answer = underConditions(std::move(answer), _conditions);
     std::string head = headOf(answer, site->guard.host(), _keepsAlive);
-    _pieces = AnswerPieces(std::move(head), _isHead ? NSData() : std::move(answer.body));
+    _pieces = AnswerPieces(std::move(head), _request.method == "HEAD" ? NSData() : std::move(answer.body));
     sendPiece();
   }
 
@@ -254,11 +180,11 @@ class HttpConnection : public KeptConnection, public std::enable_shared_from_thi
   flat_buffer _buffer{2 * maximumHeadSize};
   std::optional<http::request_parser<http::empty_body>> _parser;
   std::unique_ptr<Clock::Alarm> _alarm;
+  BrowserRequest _request;
   AnswerConditions _conditions;
   AnswerPieces _pieces;
   bool _isIdle = true;
   bool _keepsAlive = false;
-  bool _isHead = false;
   bool _drains = false;
 };
 
