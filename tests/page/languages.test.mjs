@@ -1,26 +1,15 @@
 // The page and the device on it in the user's language.
 import assert from 'node:assert/strict';
-import {after, afterEach, before, beforeEach, test} from 'node:test';
-import {accessibilityProblems, desk, keepShot, launch, openWindow} from './support/browser.mjs';
-import {Phone} from './support/phone.mjs';
-import {Program, lantern} from './support/program.mjs';
+import {test} from 'node:test';
+import {accessibilityProblems, desk, keepShot} from './support/browser.mjs';
+import {lantern} from './support/program.mjs';
+import {openPanes, phone, program, setStage} from './support/stage.mjs';
 
-let browser, program, phone;
+setStage();
 
-before(async () => (browser = await launch()));
-after(() => browser.close());
-beforeEach(() => (program = new Program()));
-afterEach(async () => {
-  await phone.page.context().close();
-  await program.end();
-  assert.deepEqual(phone.page.problems, []);
-});
-
-async function open(locale) {
+function open(locale) {
   program.environment.LANG = `${locale}.UTF-8`;
-  await program.serve();
-  phone = new Phone(await openWindow(browser, desk));
-  await phone.page.goto(program.address);
+  return openPanes(desk);
 }
 
 test('In German all is German: the rows, the editor for screen readers, the panels and the outcome', async () => {

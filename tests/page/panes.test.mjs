@@ -1,27 +1,13 @@
 // The settings panes in a real browser, on a real `quaverly serve`.
 import assert from 'node:assert/strict';
-import {after, afterEach, before, beforeEach, test} from 'node:test';
-import {accessibilityProblems, desk, keepShot, launch, openWindow, phone as phoneSize} from './support/browser.mjs';
-import {Phone} from './support/phone.mjs';
-import {Program} from './support/program.mjs';
+import {test} from 'node:test';
+import {accessibilityProblems, desk, keepShot, phone as phoneSize} from './support/browser.mjs';
+import {openPanes, phone, program, setStage} from './support/stage.mjs';
 
-let browser, program, phone;
-
-before(async () => (browser = await launch()));
-after(() => browser.close());
-beforeEach(async () => {
-  program = new Program();
-  await program.serve();
-});
-afterEach(async () => {
-  await phone.page.context().close();
-  await program.end();
-  assert.deepEqual(phone.page.problems, []);
-});
+setStage();
 
 async function open(viewport) {
-  phone = new Phone(await openWindow(browser, viewport));
-  await phone.page.goto(program.address);
+  await openPanes(viewport);
   await phone.row('Import audio').waitFor();
 }
 

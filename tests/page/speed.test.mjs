@@ -2,24 +2,14 @@
 import assert from 'node:assert/strict';
 import fs from 'node:fs';
 import path from 'node:path';
-import {after, afterEach, before, beforeEach, test} from 'node:test';
-import {desk, launch} from './support/browser.mjs';
-import {Phone} from './support/phone.mjs';
+import {test} from 'node:test';
+import {desk} from './support/browser.mjs';
 import {noisyPhotograph} from './support/pictures.mjs';
-import {Program, lantern, roofs} from './support/program.mjs';
+import {lantern, roofs} from './support/program.mjs';
+import {browser, openFolders, phone, program, setStage} from './support/stage.mjs';
 
-let browser, program, phone;
+setStage();
 
-before(async () => (browser = await launch()));
-after(() => browser.close());
-beforeEach(() => (program = new Program()));
-afterEach(async () => {
-  await phone.page.context().close();
-  await program.end();
-  assert.deepEqual(phone.page.problems, []);
-});
-
-const open = async () => (phone = await Phone.open(browser, await program.serve(), desk));
 const median = values => values.sort((a, b) => a - b)[Math.floor(values.length / 2)];
 
 /** Milliseconds from a tap to the first change of the device's screen. */
@@ -41,7 +31,7 @@ function tapToChange(locator) {
 test('A tap changes the page within 50 ms', async t => {
   for (const name of ['a', 'b', 'c']) fs.writeFileSync(path.join(program.media, `${name}.mp3`), '');
   fs.mkdirSync(path.join(program.media, 'Folder'));
-  await open();
+  await openFolders(desk);
   const times = [];
   for (let round = 0; round < 15; round += 1) {
     times.push(await tapToChange(phone.row('Folder')));
@@ -55,7 +45,7 @@ test('A tap changes the page within 50 ms', async t => {
 
 test('Ten thousand files scroll without a blank second', async t => {
   for (let each = 0; each < 10_000; each += 1) fs.writeFileSync(path.join(program.media, `Song ${String(each).padStart(5, '0')}.mp3`), '');
-  await open();
+  await openFolders(desk);
   await phone.screen.locator('[aria-posinset="1"][aria-setsize="10000"]').waitFor();
   const blank = await phone.screen.locator('.scroller').first().evaluate(async scroller => {
     const frame = () => new Promise(requestAnimationFrame);
@@ -81,7 +71,7 @@ test('A cover of nine million pixels is seen soon after the tap', async t => {
   const drawing = await browser.newPage();
   program.setCover('lantern.mp3', await noisyPhotograph(drawing, 3000));
   await drawing.close();
-  await open();
+  await openFolders(desk);
   const elapsed = await phone.row('lantern.mp3').evaluate(async row => {
     const start = performance.now();
     row.click();
@@ -97,7 +87,7 @@ test('A cover of nine million pixels is seen soon after the tap', async t => {
 test('An idle program that has imported songs stays below 40 MiB', async t => {
   const songs = {'lantern.mp3': 'Lantern Walk', 'Über den Dächern.mp3': 'Über den Dächern'};
   for (const song of [lantern, roofs]) program.copy(song);
-  await open();
+  await openFolders(desk);
   for (const [file, title] of Object.entries(songs)) {
     await phone.openSong(file, title);
     while ((await phone.pictures()).length < 2) await phone.frame();
