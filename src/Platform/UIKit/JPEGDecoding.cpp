@@ -81,7 +81,7 @@ std::optional<UIImage::PixelSize> inspectJPEG(ImageBytes file) {
   const uint64_t scans = countScans(file);
   if (pixels > UIImage::mostPixels || scans > mostScans || pixels * scans > mostPixelsScanned)
     return std::nullopt;
-  return size;
+  return orientationOfJPEG(file).uprightSize(size);
 }
 
 Ref<CGImage> decodeJPEG(ImageBytes file) {
@@ -94,7 +94,7 @@ Ref<CGImage> decodeJPEG(ImageBytes file) {
   auto pixels = std::make_unique<uint8_t[]>(length);
   const bool decoded = isPrinted(*header) ? decodeInks(decompressor, file, *header, {pixels.get(), length})
                                           : decode(decompressor, file, *header, TJPF_RGBA, pixels.get());
-  return decoded ? make<CGImage>(width, height, std::move(pixels)) : nullptr;
+  return decoded ? uprightImage({width, height}, std::move(pixels), orientationOfJPEG(file)) : nullptr;
 }
 
 }  // namespace quaverly

@@ -15,7 +15,7 @@ namespace quaverly {
 enum class UIImageRenderingMode { automatic = 0, alwaysOriginal = 1, alwaysTemplate = 2 };
 
 /// A picture: a file's, which is kept as it is and decoded when somebody wants its pixels, or one made of
-/// pixels. Never changes. Any thread.
+/// pixels. Upright, however the camera was held, in its size and in its pixels. Never changes. Any thread.
 class UIImage : public NSObject {
  public:
   enum class Format { jpeg, png };
