@@ -1,4 +1,5 @@
 """An import while another instance serves: the same lines, objects and status as if it had done it itself."""
+import fcntl
 import json
 import os
 import signal
@@ -72,6 +73,78 @@ class HandedOver(ServingTest):
         first, second = self.begin("import", "--json", LANTERN), self.begin("import", "--json", ROOFS)
         states = [json.loads(p.communicate(timeout=30)[0])["state"] for p in (first, second)]
         self.assertEqual(states, ["filed", "filed"])
+
+    def take_turn(self):
+        """The turn to file, as another import has it, until the result is closed; None while somebody has it."""
+        self.data.mkdir(parents=True, mode=0o700, exist_ok=True)
+        turn = open(self.data / "lock", "w", encoding="utf-8")  # pylint: disable=consider-using-with
+        self.addCleanup(turn.close)
+        try:
+            fcntl.flock(turn, fcntl.LOCK_EX | fcntl.LOCK_NB)
+        except BlockingIOError:
+            turn.close()
+            return None
+        return turn
+
+    def turn_is_taken(self):
+        turn = self.take_turn()
+        if turn:
+            turn.close()
+        return turn is None
+
+    def begin_to_wait(self):
+        """An import that waits because somebody else has the turn."""
+        importing = self.begin("import", "--json", LANTERN)
+        self.assertIn(b"Another import is running", importing.stderr.readline())
+        return importing
+
+    def test_an_import_that_waits_is_done_by_an_instance_that_starts_and_gets_the_turn_first(self):
+        turn = self.take_turn()
+        importing = self.begin_to_wait()
+        importing.send_signal(signal.SIGSTOP)
+        turn.close()
+        serving = self.serve()
+        self.await_that(self.turn_is_taken)
+        importing.send_signal(signal.SIGCONT)
+        out, _ = importing.communicate(timeout=30)
+        self.assertEqual((importing.returncode, json.loads(out)["state"]), (0, "filed"))
+        self.assertEqual(serving.stop(), (0, b"", ""))
+
+    def test_an_import_that_waits_goes_on_when_the_turn_is_free(self):
+        turn = self.take_turn()
+        importing = self.begin_to_wait()
+        turn.close()
+        out, _ = importing.communicate(timeout=30)
+        self.assertEqual((importing.returncode, json.loads(out)["state"]), (0, "filed"))
+
+    def test_an_import_that_waits_can_be_interrupted(self):
+        self.take_turn()
+        importing = self.begin_to_wait()
+        importing.send_signal(signal.SIGINT)
+        out, err = importing.communicate(timeout=30)
+        self.assertEqual((importing.returncode, out), (1, b""))
+        self.assertIn(b"Import it again", err)
+        self.assertEqual(self.run_program("downloads", "--json").objects, [])
+
+    def test_an_import_and_an_instance_that_start_at_once_are_both_well(self):
+        for number in range(6):
+            song = self.copy(LANTERN, f"{number}.mp3")
+            importing = self.begin("import", "--json", song)
+            serving = self.serve()
+            out, err = importing.communicate(timeout=30)
+            self.assertEqual(importing.returncode, 0, err)
+            self.assertIn(json.loads(out)["state"], ("filed", "duplicate"))
+            self.assertEqual(serving.stop(), (0, b"", ""))
+
+    def test_of_two_instances_that_start_at_once_one_serves_and_the_other_says_where(self):
+        for _ in range(3):
+            both = [self.begin("serve", "--no-browser") for _ in range(2)]
+            self.await_that(lambda: any(each.poll() is not None for each in both))
+            other = next(each for each in both if each.poll() is not None)
+            serving = both[1 - both.index(other)]
+            self.assertIn(serving.stdout.readline().strip(), other.communicate()[1])
+            serving.send_signal(signal.SIGTERM)
+            self.assertEqual(serving.wait(timeout=30), 0)
 
     def test_control_c_stops_waiting_alone(self):
         files = [self.copy(LANTERN, f"{i:03}.mp3") for i in range(300)]

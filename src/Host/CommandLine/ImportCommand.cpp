@@ -1,13 +1,22 @@
+#include <chrono>
+#include <utility>
+
 #include "Host/CommandLine/Commands.h"
 #include "Host/CommandLine/ImportSession.h"
 #include "Host/CommandLine/ServiceRegistration.h"
 #include "Host/Environment/InterruptWatch.h"
 #include "Host/Instances/ServingInstance.h"
+#include "Host/Library/DataLock.h"
 #include "Host/Library/DownloadService.h"
 #include "Platform/Foundation/NSRunLoop.h"
 
 namespace quaverly::commandline {
 namespace {
+
+using MaybeService = library::Result<std::unique_ptr<library::ImportService>>;
+
+/// How often the turn that another program has is asked for again.
+constexpr std::chrono::milliseconds pauseLength{100};
 
 ExitStatus statusOf(const ImportReport& report) {
   return report.hasFailures() ? ExitStatus::failed : ExitStatus::done;
@@ -35,28 +44,51 @@ ExitStatus planAll(const ImportOptions& options, HostDevice& device, SongHandOve
   return statusOf(report);
 }
 
-/// This program's own service, or that of the instance that serves on the data folder.
-library::Result<std::unique_ptr<library::ImportService>> findService(HostDevice& device,
-                                                                     library::SongServer& server) {
-  auto serving = instances::ServingInstance::find(device.librarySettings());
+/// The service of the instance that serves on the data folder; or this program's own, once it has the turn to
+/// file, so that no instance that starts meanwhile takes it away for as long as it serves. Null while neither
+/// is to be had.
+MaybeService findService(HostDevice& device, library::SongServer& server) {
+  const auto& settings = device.librarySettings();
+  auto serving = instances::ServingInstance::find(settings);
   if (!serving) return serving.failure();
   if (*serving) return std::unique_ptr<library::ImportService>(*std::move(serving));
-  auto own = library::DownloadService::open(device.librarySettings(), device.outsideFiles(), server);
+  auto turn = library::DataLock::tryTake(settings.dataFolder);
+  if (!turn) return turn.failure();
+  if (!*turn) return std::unique_ptr<library::ImportService>();
+  auto own = library::DownloadService::open(settings, device.outsideFiles(), server, *std::move(turn));
   if (!own) return own.failure();
   return std::unique_ptr<library::ImportService>(*std::move(own));
+}
+
+/// The same, and waits for it; null when it was interrupted. Runs the main loop meanwhile.
+MaybeService awaitService(HostDevice& device, library::SongServer& server, ImportReport& report,
+                          const bool& isInterrupted) {
+  for (bool told = false; !isInterrupted;) {
+    auto service = findService(device, server);
+    if (!service || *service) return service;
+    if (!std::exchange(told, true)) report.waits(library::anotherHasTheTurn);
+    NSRunLoop::mainRunLoop().runOnce(pauseLength);
+  }
+  return std::unique_ptr<library::ImportService>();
 }
 
 ExitStatus importAll(const ImportOptions& options, HostDevice& device, SongHandOver& handOver,
                      Console& console) {
   ImportSession* running = nullptr;
-  const host::InterruptWatch watch([&running] {
+  bool isInterrupted = false;
+  const host::InterruptWatch watch([&] {
+    isInterrupted = true;
     if (running) running->interrupt();
   });
   library::ImportServer server;
-  auto service = findService(device, server);
-  if (!service) return cannotBegin(console, service.failure());
-  const ServiceRegistration registration(**service);
   ImportReport report(console);
+  auto service = awaitService(device, server, report, isInterrupted);
+  if (!service) return cannotBegin(console, service.failure());
+  if (!*service) {
+    for (const auto& file : options.files) report.leftOver(file, ImportReport::Rest::untouched);
+    return statusOf(report);
+  }
+  const ServiceRegistration registration(**service);
   ImportSession session(options.files, handOver, **service, report);
   running = &session;
   session.run();

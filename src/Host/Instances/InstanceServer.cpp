@@ -2,26 +2,15 @@
 
 #include <unistd.h>
 
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "Host/Instances/InstanceSocket.h"
+#include "Host/Instances/JsonLines.h"
 
 namespace quaverly::instances {
 namespace {
 
 using library::DownloadRecord;
-using Json = nlohmann::ordered_json;
-
-std::string lineOf(const Json& json) {
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-/// The member of that name when it is a text; "" otherwise.
-std::string text(const Json& json, const char* name) {
-  const auto found = json.find(name);
-  return found != json.end() && found->is_string() ? found->get<std::string>() : "";
-}
 
 std::string endLine(const DownloadRecord& record) {
   return lineOf({{"event", "ended"},

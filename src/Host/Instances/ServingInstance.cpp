@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <chrono>
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "Host/Instances/InstanceSocket.h"
+#include "Host/Instances/JsonLines.h"
 #include "Host/Library/DownloadTaking.h"
 #include "Platform/Foundation/NSRunLoop.h"
 
@@ -18,33 +18,12 @@ using library::DownloadRecord;
 using library::DownloadState;
 using library::Failure;
 using library::MaybeFailure;
-using Json = nlohmann::ordered_json;
 
 /// How long another instance may take to answer.
 constexpr std::chrono::seconds patience{5};
 
 constexpr const char* instanceEnded =
     "The quaverly that serves has ended. The next import goes on with this one.";
-
-std::string lineOf(const Json& json) {
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-std::string text(const Json& json, const char* name) {
-  const auto found = json.find(name);
-  return found != json.end() && found->is_string() ? found->get<std::string>() : "";
-}
-
-template <class Number>
-Number number(const Json& json, const char* name) {
-  const auto found = json.find(name);
-  return found != json.end() && found->is_number() ? found->get<Number>() : Number{};
-}
-
-Json objectIn(const std::string& line) {
-  auto json = Json::parse(line, nullptr, false);
-  return json.is_object() ? json : Json::object();
-}
 
 /// Runs the main loop until `condition` holds or patience ends.
 void awaitThat(const std::function<bool()>& condition) {
@@ -57,7 +36,8 @@ void awaitThat(const std::function<bool()>& condition) {
 }  // namespace
 
 std::optional<ServingPage> askForPage(const std::string& dataFolder) {
-  auto connection = connectIn(dataFolder);
+  std::shared_ptr<Descriptor> connection;
+  awaitThat([&] { return (connection = connectIn(dataFolder)) != nullptr; });
   if (!connection) return std::nullopt;
   std::string answer;
   bool isOver = false;
@@ -78,6 +58,7 @@ library::Result<std::unique_ptr<ServingInstance>> ServingInstance::find(
   if (!catalogue) return catalogue.failure();
   std::unique_ptr<ServingInstance> instance(new ServingInstance(settings, *std::move(catalogue)));
   if (auto failure = instance->begin(std::move(connection), settings.libraryFolder)) return *failure;
+  if (instance->_isOver) instance.reset();
   return instance;
 }
 
@@ -89,6 +70,7 @@ MaybeFailure ServingInstance::begin(std::shared_ptr<Descriptor> connection, cons
       std::move(connection), [this](const std::string& line) { hear(line); }, [this] { lose(); });
   _channel->send(lineOf({{"ask", "import"}, {"library", library}}));
   awaitThat([this] { return _isOver || !_greeting.empty(); });
+  if (_isOver && _greeting.empty()) return std::nullopt;
   const auto greeting = objectIn(_greeting);
   const std::string process = std::to_string(number<int>(greeting, "process"));
   const std::string answer = text(greeting, "answer");

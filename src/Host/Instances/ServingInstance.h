@@ -21,8 +21,8 @@ struct ServingPage {
   int process = 0;
 };
 
-/// Asks the instance that serves on a data folder where its page is; nothing when none answers. Runs the main
-/// loop meanwhile.
+/// Asks the instance that serves on a data folder where its page is, and gives one that starts the time to
+/// listen; nothing when none answers. Runs the main loop meanwhile.
 std::optional<ServingPage> askForPage(const std::string& dataFolder);
 
 /// Stands behind the download manager and hands each download to the instance that serves on the same data
@@ -30,8 +30,8 @@ std::optional<ServingPage> askForPage(const std::string& dataFolder);
 /// either program, the catalogue knows.
 class ServingInstance : public library::ImportService {
  public:
-  /// The instance that serves; null when there is none. Fails when it does not answer, and when it files into
-  /// another library. Runs the main loop meanwhile.
+  /// The instance that serves; null when there is none, or it hangs up because it ends. Fails when it does
+  /// not answer, and when it files into another library. Runs the main loop meanwhile.
   static library::Result<std::unique_ptr<ServingInstance>> find(const library::LibrarySettings& settings);
 
   void addDownloads(const std::vector<Ref<SSDownload>>& downloads) override;

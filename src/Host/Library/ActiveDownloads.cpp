@@ -16,8 +16,8 @@ ActiveDownloads::ActiveDownloads(const LibrarySettings& settings, Catalogue cata
       _outsideFiles(outsideFiles),
       _server(server) {}
 
-void ActiveDownloads::startWorker(const LibrarySettings& settings) {
-  _worker = std::make_unique<DownloadWorker>(settings, _outsideFiles, weak_from_this());
+void ActiveDownloads::startWorker(const LibrarySettings& settings, std::optional<DataLock> turn) {
+  _worker = std::make_unique<DownloadWorker>(settings, _outsideFiles, weak_from_this(), std::move(turn));
 }
 
 void ActiveDownloads::close() {

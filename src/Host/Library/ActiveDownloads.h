@@ -3,11 +3,13 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "Host/Library/ArtworkStore.h"
 #include "Host/Library/Catalogue.h"
+#include "Host/Library/DataLock.h"
 #include "Host/Library/DownloadDesk.h"
 #include "Host/Library/DownloadObserver.h"
 #include "Host/Library/DownloadWorker.h"
@@ -26,7 +28,7 @@ class ActiveDownloads : public DownloadDesk, public std::enable_shared_from_this
                   SongServer& server);
 
   /// Once, when a shared pointer holds this object.
-  void startWorker(const LibrarySettings& settings);
+  void startWorker(const LibrarySettings& settings, std::optional<DataLock> turn);
   /// Stops, waits for the worker, completes what is left. Observers hear nothing more.
   void close();
 

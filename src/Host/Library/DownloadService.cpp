@@ -9,12 +9,12 @@ namespace quaverly::library {
 DownloadService::DownloadService(std::shared_ptr<ActiveDownloads> active) : _active(std::move(active)) {}
 
 Result<std::unique_ptr<DownloadService>> DownloadService::open(LibrarySettings settings,
-                                                               OutsideFiles& outsideFiles,
-                                                               SongServer& server) {
+                                                               OutsideFiles& outsideFiles, SongServer& server,
+                                                               std::optional<DataLock> turn) {
   auto catalogue = Catalogue::open(settings.dataFolder);
   if (!catalogue) return catalogue.failure();
   auto active = std::make_shared<ActiveDownloads>(settings, std::move(*catalogue), outsideFiles, server);
-  active->startWorker(settings);
+  active->startWorker(settings, std::move(turn));
   return std::unique_ptr<DownloadService>(new DownloadService(std::move(active)));
 }
 

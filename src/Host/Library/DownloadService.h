@@ -1,9 +1,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "Host/Library/Catalogue.h"
+#include "Host/Library/DataLock.h"
 #include "Host/Library/DownloadObserver.h"
 #include "Host/Library/ImportService.h"
 #include "Host/Library/LibrarySettings.h"
@@ -25,9 +27,10 @@ class ActiveDownloads;
 class DownloadService : public ImportService {
  public:
   /// Makes the data folder where it is missing. Fails when the catalogue cannot be used. `outsideFiles` and
-  /// `server` must outlive the service.
+  /// `server` must outlive the service. Without a turn to file it takes one itself, when there is work.
   static Result<std::unique_ptr<DownloadService>> open(LibrarySettings settings, OutsideFiles& outsideFiles,
-                                                       SongServer& server);
+                                                       SongServer& server,
+                                                       std::optional<DataLock> turn = std::nullopt);
   /// Stops, and waits for the current step to end. Observers hear nothing more.
   ~DownloadService() override;
 

@@ -50,11 +50,12 @@ DownloadRecord failed(DownloadID id, const Failure& failure) {
 }  // namespace
 
 DownloadWorker::DownloadWorker(LibrarySettings settings, OutsideFiles& outsideFiles,
-                               std::weak_ptr<DownloadDesk> desk)
+                               std::weak_ptr<DownloadDesk> desk, std::optional<DataLock> turn)
     : _settings(std::move(settings)),
       _outsideFiles(outsideFiles),
       _desk(std::move(desk)),
       _artwork(_settings.dataFolder),
+      _turn(std::move(turn)),
       _thread([this](const std::stop_token& stop) { run(stop); }) {}
 
 DownloadWorker::~DownloadWorker() = default;
@@ -82,9 +83,10 @@ void DownloadWorker::run(const std::stop_token& stop) {
 void DownloadWorker::runWith(Catalogue& catalogue, Catalogue& placing, const std::stop_token& stop) {
   SongFiler filer({_settings, catalogue, placing, _artwork}, {},
                   [this, &stop] { return waitForServer(stop); });
+  bool hasBegun = false;
   while (!stop.stop_requested()) {
     const auto id = next(stop);
-    if (!_turn) waitForTurn(catalogue, stop);
+    if (!hasBegun) hasBegun = begin(catalogue, stop);
     if (id && !stop.stop_requested()) work(*id, catalogue, filer, stop);
   }
   filer.finish();
@@ -110,26 +112,28 @@ std::optional<DownloadID> DownloadWorker::next(const std::stop_token& stop) {
   return id;
 }
 
-void DownloadWorker::waitForTurn(Catalogue& catalogue, const std::stop_token& stop) {
+// False when it is time to stop.
+bool DownloadWorker::begin(Catalogue& catalogue, const std::stop_token& stop) {
+  waitForTurn(stop);
+  if (!_turn) return false;
+  if (const auto failure = settleAfterCrash(_settings.libraryFolder, catalogue, _artwork))
+    NSLog(failure->reason);
+  tell([](DownloadDesk& desk) { desk.gotTurn(); });
+  return true;
+}
+
+void DownloadWorker::waitForTurn(const std::stop_token& stop) {
   bool told = false;
-  while (!stop.stop_requested()) {
+  while (!_turn && !stop.stop_requested()) {
     auto turn = DataLock::tryTake(_settings.dataFolder);
     if (!turn) NSLog(turn.failure().reason);
     if (turn && *turn) {
       _turn = std::move(*turn);
-      break;
+      return;
     }
-    if (!std::exchange(told, true)) {
-      tell([](DownloadDesk& desk) {
-        desk.waits("Another import is running. This one goes on when it is done.");
-      });
-    }
+    if (!std::exchange(told, true)) tell([](DownloadDesk& desk) { desk.waits(anotherHasTheTurn); });
     pause(stop);
   }
-  if (!_turn) return;
-  if (const auto failure = settleAfterCrash(_settings.libraryFolder, catalogue, _artwork))
-    NSLog(failure->reason);
-  tell([](DownloadDesk& desk) { desk.gotTurn(); });
 }
 
 void DownloadWorker::work(DownloadID id, Catalogue& catalogue, SongFiler& filer,

@@ -20,12 +20,13 @@
 namespace quaverly::library {
 
 /// The thread that files downloads, one after the other. It works only while it has the turn on the data
-/// folder, which it takes when there is work for the first time, and keeps.
+/// folder, which it is given, or takes when there is work for the first time, and keeps.
 class DownloadWorker {
  public:
   /// The desk hears everything on the main thread, in a later turn of its loop, as long as it lives.
   /// `outsideFiles` must outlive the worker.
-  DownloadWorker(LibrarySettings settings, OutsideFiles& outsideFiles, std::weak_ptr<DownloadDesk> desk);
+  DownloadWorker(LibrarySettings settings, OutsideFiles& outsideFiles, std::weak_ptr<DownloadDesk> desk,
+                 std::optional<DataLock> turn);
   /// Stops, and waits until the current step has ended.
   ~DownloadWorker();
   DownloadWorker(const DownloadWorker&) = delete;
@@ -41,7 +42,8 @@ class DownloadWorker {
   void run(const std::stop_token& stop);
   void runWith(Catalogue& catalogue, Catalogue& placing, const std::stop_token& stop);
   void refuseAll(const Failure& failure, const std::stop_token& stop);
-  void waitForTurn(Catalogue& catalogue, const std::stop_token& stop);
+  bool begin(Catalogue& catalogue, const std::stop_token& stop);
+  void waitForTurn(const std::stop_token& stop);
   void work(DownloadID id, Catalogue& catalogue, SongFiler& filer, const std::stop_token& stop);
   MaybeFailure waitForServer(const std::stop_token& stop);
 
