@@ -5,7 +5,7 @@ import path from 'node:path';
 import {after, afterEach, before, beforeEach, test} from 'node:test';
 import {accessibilityProblems, desk, keepShot, launch, openWindow, phone as phoneSize} from './support/browser.mjs';
 import {Phone} from './support/phone.mjs';
-import {lookAt, redAndBlue} from './support/pictures.mjs';
+import {lookAt, onItsSide, redAndBlue} from './support/pictures.mjs';
 import {Program, lantern, roofs} from './support/program.mjs';
 
 let browser, program, phones;
@@ -112,6 +112,20 @@ test('A second song shows its own tags and keeps its own cover', async () => {
   const covers = await Promise.all(songs.map(async song => (await program.tags(song)).covers[0]));
   assert.ok(covers.every(cover => cover?.length > 0) && !covers[0].equals(covers[1]));
   assert.ok(songs.some(song => song.endsWith('Changed.mp3')) && songs.some(song => song.endsWith('Über den Dächern.mp3')), String(songs));
+});
+
+test('A cover that was taken with the camera on its side stands upright', async () => {
+  program.copy(lantern);
+  const phone = await open();
+  program.setCover('lantern.mp3', onItsSide(await redAndBlue(phone.page, 300, 200, 'image/jpeg')));
+  await phone.openSong('lantern.mp3', 'Lantern Walk');
+  while ((await phone.pictures()).length < 2) await phone.frame();
+  const looks = (await phone.pictures()).map(async address => {
+    const bytes = await phone.page.evaluate(async from => Array.from(new Uint8Array(await (await fetch(from)).arrayBuffer())), address);
+    return lookAt(phone.page, bytes, [[0.5, 0.1], [0.5, 0.9]]);
+  });
+  const upright = (await Promise.all(looks)).filter(({colors}) => colors.join() === 'red,blue');
+  assert.deepEqual(upright.map(({width, height}) => height > width), [true, true], 'the cover, and its blurred copy');
 });
 
 test('A folder without files, and one that cannot be read, say that there is nothing', async () => {
