@@ -1,10 +1,10 @@
 #include "Platform/CoreImage/GaussianBlur.h"
 
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include "Platform/CoreImage/BlurLoops.h"
+#include "Platform/CoreImage/BlurPlan.h"
 
 // A wide Gaussian leaves nothing that changes within a few pixels. So it is done in two: most of it only at
 // every few rows and columns, and from there back to all pixels with a second, narrow one, whose variance is
@@ -15,87 +15,14 @@ namespace {
 
 constexpr size_t channels = CGImage::bytesPerPixel;
 
-/// How far a Gaussian is followed, in its own sigmas. Behind that is less than a tenth of a level.
-constexpr double reach = 3.6;
-
-/// The narrow Gaussian in steps: wide enough to leave no trace of the grid, and done with six coarse pixels.
-constexpr double sigmaPerStep = 0.75;
-constexpr size_t tapsBetween = 6;
-
-double gauss(double x, double sigma) {
-  return sigma == 0 ? (x == 0 ? 1 : 0) : std::exp(-x * x / (2 * sigma * sigma));
-}
-
-/// Makes the weights add up to one.
-void normalize(const std::vector<double>& weights, double sum, std::vector<float>& into) {
-  for (const double weight : weights) into.push_back(static_cast<float>(weight / sum));
-}
-
-/// How a blur is divided between the two, and their weights.
-struct Plan {
-  size_t step = 1;
-  size_t taps = 1;
-  size_t radius = 0;
-  std::vector<float> wide;    // the middle and one side
-  std::vector<float> narrow;  // `taps` for each phase of a step
-
-  explicit Plan(double sigma) {
-    if (sigma >= 3) {
-      step = static_cast<size_t>(sigma * 2 / 3);
-      taps = tapsBetween;
-    }
-    const double narrowSigma = taps == 1 ? 0 : sigmaPerStep * static_cast<double>(step);
-    setWide(std::sqrt(sigma * sigma - narrowSigma * narrowSigma));
-    for (size_t phase = 0; phase < step; ++phase) addPhase(phase, narrowSigma);
-  }
-
-  /// How many coarse pixels there are before the first that a pixel lies behind.
-  size_t lead() const { return (taps - 1) / 2; }
-
- private:
-  void setWide(double sigma) {
-    radius = static_cast<size_t>(std::ceil(reach * sigma));
-    std::vector<double> weights;
-    double sum = -1;
-    for (size_t x = 0; x <= radius; ++x) {
-      weights.push_back(gauss(static_cast<double>(x), sigma));
-      sum += 2 * weights.back();
-    }
-    normalize(weights, sum, wide);
-  }
-
-  void addPhase(size_t phase, double sigma) {
-    std::vector<double> weights;
-    double sum = 0;
-    for (size_t tap = 0; tap < taps; ++tap) {
-      const auto coarse = static_cast<double>(tap * step);
-      weights.push_back(gauss(static_cast<double>(phase + lead() * step) - coarse, sigma));
-      sum += weights.back();
-    }
-    normalize(weights, sum, narrow);
-  }
-};
-
 size_t roundedUp(size_t number, size_t to) {
   return (number + to - 1) / to * to;
 }
 
-/// Where the coarse pixels lie along one side of the region.
-struct Grid {
-  int64_t first;  // on the plane
-  size_t runs;    // steps that cover the region
-  size_t count;   // coarse pixels that are needed for them
-
-  Grid(const Plan& plan, int64_t start, int64_t length)
-      : first(start - static_cast<int64_t>(plan.lead() * plan.step)),
-        runs(roundedUp(static_cast<size_t>(length), plan.step) / plan.step),
-        count(runs + plan.taps - 1) {}
-};
-
 /// Makes one coarse row of the plane, blurred, as wide as the region and at full width again.
 class RowMaker {
  public:
-  RowMaker(const Plan& plan, const CGImage& picture, const PixelRect& region)
+  RowMaker(const BlurPlan& plan, const CGImage& picture, const PixelRect& region)
       : _plan(plan),
         _picture(picture),
         _columns(plan, region.x, region.width),
@@ -147,9 +74,9 @@ class RowMaker {
     return true;
   }
 
-  const Plan& _plan;
+  const BlurPlan& _plan;
   const CGImage& _picture;
-  Grid _columns;
+  BlurGrid _columns;
   int64_t _start;  // of `_row` on the plane
   std::vector<uint8_t> _nothing;
   std::vector<const uint8_t*> _lines;
@@ -161,7 +88,7 @@ class RowMaker {
 /// The coarse rows around the one that is being written, made once each, in order.
 class RecentRows {
  public:
-  RecentRows(RowMaker& maker, const Grid& rows, const Plan& plan)
+  RecentRows(RowMaker& maker, const BlurGrid& rows, const BlurPlan& plan)
       : _maker(maker), _first(rows.first), _plan(plan), _kept(plan.taps * maker.rowLength()) {}
 
   /// The rows that lie around a run; runs come in order.
@@ -180,14 +107,15 @@ class RecentRows {
 
   RowMaker& _maker;
   int64_t _first;
-  const Plan& _plan;
+  const BlurPlan& _plan;
   std::vector<float> _kept;
   size_t _made = 0;
 };
 
 /// Writes the `count` rows that lie behind the same coarse one, piece by piece, so that what they share stays
 /// near.
-void writeRun(std::vector<const float*> rows, const Plan& plan, size_t count, size_t length, uint8_t* into) {
+void writeRun(std::vector<const float*> rows, const BlurPlan& plan, size_t count, size_t length,
+              uint8_t* into) {
   constexpr size_t piece = 8 * blurloops::block;
   for (size_t at = 0; at < length; at += piece) {
     const size_t here = std::min(piece, length - at);
@@ -204,8 +132,8 @@ CGImage::Pixels gaussianBlur(const CGImage& picture, double sigma, const PixelRe
   const auto length = static_cast<size_t>(region.width) * channels;
   const auto height = static_cast<size_t>(region.height);
   auto pixels = std::make_unique_for_overwrite<uint8_t[]>(length * height);
-  const Plan plan(sigma);
-  const Grid rows(plan, region.y, region.height);
+  const BlurPlan plan(sigma);
+  const BlurGrid rows(plan, region.y, region.height);
   RowMaker maker(plan, picture, region);
   RecentRows recent(maker, rows, plan);
   for (size_t run = 0; run < rows.runs; ++run) {
