@@ -6,7 +6,7 @@ namespace quaverly {
 CGSize UILabel::sizeThatFits(CGSize limit) const {
   if (!_text || _text->empty()) return {};
   if (_numberOfLines == 1) return sizeOfText(*_text, _font);
-  return sizeOfTextInWidth(*_text, _font, limit.width, _numberOfLines);
+  return sizeOfTextInWidth(*_text, _font, limit.width, static_cast<size_t>(_numberOfLines));
 }
 
 }  // namespace quaverly
