@@ -13,17 +13,17 @@ namespace {
 using namespace std::string_literals;
 using test::number;
 
-/// 32 pixels wide and 16 high: red, green, and below them blue and white.
+/// 48 pixels wide and 24 high: red, green, and below them blue and white.
 std::string quarters() {
-  auto pixels = std::make_unique<uint8_t[]>(32 * 16 * 4);
-  for (size_t i = 0; i < 32 * 16; ++i) {
-    const bool right = i % 32 >= 16;
-    const bool bottom = i / 32 >= 8;
+  auto pixels = std::make_unique<uint8_t[]>(48 * 24 * 4);
+  for (size_t i = 0; i < 48 * 24; ++i) {
+    const bool right = i % 48 >= 24;
+    const bool bottom = i / 48 >= 12;
     const std::array<uint8_t, 4> color{uint8_t(right == bottom ? 255 : 0), uint8_t(right ? 255 : 0),
                                        uint8_t(bottom ? 255 : 0), 255};
     std::ranges::copy(color, pixels.get() + i * 4);
   }
-  const auto image = UIImage::imageWithCGImage(make<CGImage>(32, 16, std::move(pixels)));
+  const auto image = UIImage::imageWithCGImage(make<CGImage>(48, 24, std::move(pixels)));
   return std::string(UIImageJPEGRepresentation(*image, 1)->text());
 }
 
@@ -41,7 +41,7 @@ std::string exif(unsigned orientation, bool lowestFirst = false, unsigned type =
     return written(tag, 2) + written(of, 2) + written(1, 4) + written(value, 2) + "\0\0"s;
   };
   return "Exif\0\0"s + (lowestFirst ? "II" : "MM") + written(42, 2) + written(8, 4) + written(2, 2) +
-         entry(0x0100, 3, 32) + entry(0x0112, type, orientation) + written(0, 4);
+         entry(0x0100, 3, 48) + entry(0x0112, type, orientation) + written(0, 4);
 }
 
 std::string segment(const std::string& content, uint8_t mark = 0xe1) {
@@ -88,7 +88,7 @@ TEST_P(JPEGOrientation, IsUndoneInSizeAndPixels) {
     ASSERT_TRUE(image);
     const auto bitmap = image->bitmap();
     EXPECT_EQ(corners(bitmap), GetParam().corners);
-    EXPECT_EQ(image->size(), GetParam().isOnItsSide ? (CGSize{16, 32}) : (CGSize{32, 16}));
+    EXPECT_EQ(image->size(), GetParam().isOnItsSide ? (CGSize{24, 48}) : (CGSize{48, 24}));
     EXPECT_EQ(bitmap->width(), image->pixelSize().width);
     EXPECT_EQ(bitmap->height(), image->pixelSize().height);
   }
@@ -112,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(Each, JPEGOrientation,
 TEST(JPEGOrientationOfCameras, IsFoundBehindOtherSegments) {
   const auto file = with(segment("JFIF\0\1\2\0\0\1\0\1\0\0"s, 0xe0) +
                          segment("http://ns.adobe.com/xap/1.0/\0"s) + segment(exif(6)));
-  EXPECT_EQ(imageOf(file)->size(), (CGSize{16, 32}));
+  EXPECT_EQ(imageOf(file)->size(), (CGSize{24, 48}));
 }
 
 TEST(JPEGOrientationOfCameras, ThatMakesNoSenseIsNone) {
@@ -122,7 +122,7 @@ TEST(JPEGOrientationOfCameras, ThatMakesNoSenseIsNone) {
         "Exif\0\0II*\0\0\0\0\0"s, "exif\0\0"s + exif(6).substr(6), ""s}) {
     const auto image = imageOf(with(segment(content)));
     ASSERT_TRUE(image);
-    EXPECT_EQ(image->size(), (CGSize{32, 16})) << testing::PrintToString(content);
+    EXPECT_EQ(image->size(), (CGSize{48, 24})) << testing::PrintToString(content);
     EXPECT_EQ(corners(image->bitmap()), "RGBW");
   }
 }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -9,6 +10,14 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr ImageOrientation asStored{1};
+
+/// As many pixels as lie together in memory.
+constexpr ptrdiff_t bandWidth = 16;
+
+void copyPixel(const uint8_t* from, ptrdiff_t fromPlace, uint8_t* into, ptrdiff_t place) {
+  constexpr ptrdiff_t length = CGImage::bytesPerPixel;
+  std::memcpy(into + place * length, from + fromPlace * length, length);
+}
 
 /// Numbers in a stretch of bytes; 0 where it has no more.
 struct Numbers {
@@ -81,11 +90,12 @@ Ref<CGImage> uprightImage(UIImage::PixelSize stored, CGImage::Pixels pixels, Ima
   const ptrdiff_t toBelow = orientation.liesOnItsSide() ? alongRow : alongColumn;
   auto upright =
       std::make_unique_for_overwrite<uint8_t[]>(size_t{size.width} * size.height * CGImage::bytesPerPixel);
-  uint8_t* into = upright.get();
-  for (ptrdiff_t y = 0; y < size.height; ++y) {
-    for (ptrdiff_t x = 0; x < size.width; ++x, into += CGImage::bytesPerPixel) {
-      const ptrdiff_t from = first + x * toRight + y * toBelow;
-      std::memcpy(into, pixels.get() + from * ptrdiff_t{CGImage::bytesPerPixel}, CGImage::bytesPerPixel);
+  // Band by band: what lies beside each other in one picture lies below each other in the other.
+  for (ptrdiff_t band = 0; band < size.width; band += bandWidth) {
+    const ptrdiff_t bandEnd = std::min<ptrdiff_t>(band + bandWidth, size.width);
+    for (ptrdiff_t y = 0; y < size.height; ++y) {
+      for (ptrdiff_t x = band; x < bandEnd; ++x)
+        copyPixel(pixels.get(), first + x * toRight + y * toBelow, upright.get(), y * size.width + x);
     }
   }
   return make<CGImage>(size.width, size.height, std::move(upright));
