@@ -65,7 +65,7 @@ class ProgramTest(unittest.TestCase):
         shutil.rmtree(self.home, ignore_errors=True)
 
     def environment(self, **more):
-        plain = {k: v for k, v in os.environ.items() if k in ("PATH", "ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS")}
+        plain = {k: v for k, v in os.environ.items() if k == "PATH" or k.endswith("SAN_OPTIONS")}
         return {**plain, "HOME": str(self.home), "LANG": "C.UTF-8", "TZ": "UTC", **more}
 
     def command(self, *arguments, before="", program=PROGRAM):
