@@ -45,6 +45,7 @@ class StartConditions {
 
 pid_t startDesktopProgram(std::vector<std::string> command) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (auto& argument : command) arguments.push_back(argument.data());
   arguments.push_back(nullptr);
   const StartConditions conditions;

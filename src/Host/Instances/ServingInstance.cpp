@@ -176,6 +176,7 @@ void ServingInstance::lose() {
 
 std::vector<DownloadRecord> ServingInstance::recordsPending() {
   std::vector<DownloadRecord> records;
+  records.reserve(_pending.size());
   for (const auto& [id, download] : _pending) records.push_back(recordNow(id));
   return records;
 }

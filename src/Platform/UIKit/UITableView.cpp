@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ranges>
 
 #include "Platform/UIKit/UITableViewHeaderFooterView.h"
 #include "Platform/UIKit/UIWindow.h"
@@ -176,9 +177,8 @@ Ref<UIView> UITableView::headerViewForSection(size_t section) const {
 }
 
 std::vector<NSIndexPath> UITableView::indexPathsForVisibleRows() const {
-  std::vector<NSIndexPath> paths;
-  for (const auto& [path, cell] : _cells) paths.push_back(path);
-  return paths;
+  const auto paths = std::views::keys(_cells);
+  return {paths.begin(), paths.end()};
 }
 
 void UITableView::deselectRowAtIndexPathAnimated(NSIndexPath path, UIAnimated) {
