@@ -110,8 +110,10 @@ class Engines(ProgramTest):
         self.run_program("engines")
         before = (self.data / "engines/feeds.qvsc").read_bytes()
         folder = self.data / "engines"
-        frozen = ["unshare", "--mount"] + ([] if os.getuid() == 0 else ["--map-root-user"])
-        script = f"mount --bind -o ro '{folder}' '{folder}' && exec \"$@\""
+        # A changed root has no propagation that could be cut, so that the mount is taken down again.
+        frozen = ["unshare", "--mount", "--propagation", "unchanged"]
+        frozen += [] if os.getuid() == 0 else ["--map-root-user"]
+        script = f"mount --bind -o ro '{folder}' '{folder}' && {{ \"$@\"; status=$?; umount '{folder}'; exit $status; }}"
         process = subprocess.run([*frozen, "sh", "-c", script, "sh", program.PROGRAM, "engines", "disable", "Feeds"],
                                  capture_output=True, env=self.environment(), check=False, timeout=60)
         self.assertEqual(process.returncode, 1)

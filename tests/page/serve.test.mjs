@@ -15,6 +15,7 @@ beforeEach(async () => {
   page = await openWindow(browser, desk);
   await page.goto(program.address);
   await page.getByRole('region', {name: 'Library'}).waitFor();
+  await page.waitForLoadState('networkidle'); // what is still on its way would break off when the program ends
 });
 afterEach(async () => {
   await page.context().close();
