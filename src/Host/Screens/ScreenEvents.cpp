@@ -16,12 +16,6 @@ namespace {
 /// Far beyond any content; what a page invents must not become an endless number.
 constexpr double mostOffset = 1e8;
 
-std::optional<uint64_t> numberIn(const Json& event, const char* key) {
-  const auto found = event.find(key);
-  if (found == event.end() || !found->is_number_unsigned()) return std::nullopt;
-  return found->get<uint64_t>();
-}
-
 std::optional<double> lengthIn(const Json& event, const char* key) {
   const auto found = event.find(key);
   if (found == event.end() || !found->is_number()) return std::nullopt;
@@ -35,13 +29,13 @@ Ref<View> viewOf(const Json& event) {
   return node ? reachable<View>(*node) : nullptr;
 }
 
-/// What the person is done with, when it is a sheet of that kind.
-template <class View>
-auto controllerOf(const Json& event) {
-  return reachableController<View>(numberIn(event, "node").value_or(0));
-}
-
 }  // namespace
+
+std::optional<uint64_t> numberIn(const Json& event, const char* key) {
+  const auto found = event.find(key);
+  if (found == event.end() || !found->is_number_unsigned()) return std::nullopt;
+  return found->get<uint64_t>();
+}
 
 void ScreenEvents::tap(const Json& event) const {
   const auto view = viewOf<UIView>(event);
@@ -91,14 +85,14 @@ void ScreenEvents::changeScreen(const Json& event) const {
                                                    UIInterfaceOrientation{static_cast<int>(*orientation)});
 }
 
-void ScreenEvents::cancel(const Json& event) const {
-  if (const auto picker = controllerOf<UIImagePickerView>(event)) picker->cancel();
-  if (const auto sheet = controllerOf<SLComposeView>(event))
+void ScreenEvents::cancel(uint64_t node) const {
+  if (const auto picker = reachableController<UIImagePickerView>(node)) picker->cancel();
+  if (const auto sheet = reachableController<SLComposeView>(node))
     sheet->finishWithResult(SLComposeViewControllerResult::Cancelled);
 }
 
-void ScreenEvents::finish(const Json& event) const {
-  if (const auto sheet = controllerOf<SLComposeView>(event))
+void ScreenEvents::finish(uint64_t node) const {
+  if (const auto sheet = reachableController<SLComposeView>(node))
     sheet->finishWithResult(SLComposeViewControllerResult::Done);
 }
 

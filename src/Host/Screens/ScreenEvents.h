@@ -11,6 +11,9 @@
 
 namespace quaverly::screens {
 
+/// A whole number that an event has under `key`; nothing when it has none there.
+std::optional<uint64_t> numberIn(const Json& event, const char* key);
+
 /// Does on the device what a person did on a page. What names a view that is gone, covered or of another kind
 /// does nothing. Main thread.
 class ScreenEvents {
@@ -22,8 +25,8 @@ class ScreenEvents {
   void tap(const Json& event) const;
   void scroll(const Json& event) const;
   /// The person closed a picker or a share sheet, or is done with what the sheet was for.
-  void cancel(const Json& event) const;
-  void finish(const Json& event) const;
+  void cancel(uint64_t node) const;
+  void finish(uint64_t node) const;
   void changeScreen(const Json& event) const;
   /// The sequence number to acknowledge; nothing for what is no edit. An edit that is not newer than the last
   /// one from this client for this field is acknowledged, too, and changes nothing.

@@ -99,13 +99,12 @@ void Screens::act(page::PageConnection& page, const std::string& type, const Jso
 }
 
 void Screens::endSheet(const std::string& type, const Json& event) {
-  const auto found = event.find("node");
-  const uint64_t node = found != event.end() && found->is_number_unsigned() ? found->get<uint64_t>() : 0;
+  const uint64_t node = numberIn(event, "node").value_or(0);
   if (type == "cancel") {
-    _events.cancel(event);
+    _events.cancel(node);
     _mails.cancel(node);
   } else {
-    _events.finish(event);
+    _events.finish(node);
     _mails.finish(node);
   }
 }

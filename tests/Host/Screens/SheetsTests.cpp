@@ -250,11 +250,11 @@ TEST_F(ShareSheet, IsDescribedWithItsTextItsLimitAndWhereItIsPosted) {
 
 TEST_F(ShareSheet, GoesWhenThePersonIsDoneOrCancels) {
   open();
-  _events.finish({{"node", _node}});
-  _events.cancel({{"node", _node}});
+  _events.finish(_node);
+  _events.cancel(_node);
   EXPECT_EQ(_root->presentedViewController().get(), nullptr);
   open();
-  _events.cancel({{"node", _node}});
+  _events.cancel(_node);
   EXPECT_EQ(_root->presentedViewController().get(), nullptr);
   using enum SLComposeViewControllerResult;
   EXPECT_THAT(_results, testing::ElementsAre(Done, Cancelled));
